@@ -1,0 +1,24 @@
+include(CMakePackageConfigHelpers)
+
+set(ORVO_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/orvo)
+
+install(TARGETS orvo EXPORT orvoTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/orvo/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo
+  FILES_MATCHING PATTERN "*.h" PATTERN "src" EXCLUDE)
+install(EXPORT orvoTargets NAMESPACE orvo:: DESTINATION ${ORVO_CMAKE_DIR})
+
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/orvoConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/orvoConfig.cmake INSTALL_DESTINATION ${ORVO_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/orvoConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES
+  ${PROJECT_BINARY_DIR}/orvoConfig.cmake
+  ${PROJECT_BINARY_DIR}/orvoConfigVersion.cmake
+  ${PROJECT_SOURCE_DIR}/cmake/OrvoPlugin.cmake
+  DESTINATION ${ORVO_CMAKE_DIR})
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/orvo.pc.in ${PROJECT_BINARY_DIR}/orvo.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/orvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,17 @@
+#ifndef ORVO_ORVO_H
+#define ORVO_ORVO_H
+
+// Every public header of the library.
+
+// core
+#include <orvo/core/agent.h>
+#include <orvo/core/architect.h>
+#include <orvo/core/constructable_proxy.h>
+#include <orvo/core/exception.h>
+#include <orvo/core/export.h>
+#include <orvo/humanoid/base/constructable.h>
+
+// behaviors
+#include <orvo/behaviors/behavior.h>
+
+#endif
