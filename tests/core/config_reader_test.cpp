@@ -38,7 +38,9 @@ using Values = std::vector<std::string>;
 
 } // namespace
 
-TEST_F(ConfigReader, EmptyFileGivesNothing) { EXPECT_EQ(read(""), Values{}); }
+TEST_F(ConfigReader, EmptyFileGivesNothing) {
+    EXPECT_EQ(read(""), Values{});
+}
 
 TEST_F(ConfigReader, CommentsOnlyAtColumnZero) {
     EXPECT_EQ(read("#skipped\n  #kept\n"), Values{"#kept"});

@@ -3,6 +3,8 @@
 namespace orvo {
 
 Agent::~Agent() = default;
-std::string Agent::get_name() const { return "agent"; }
+std::string Agent::get_name() const {
+    return "agent";
+}
 
 } // namespace orvo

@@ -55,8 +55,8 @@ Agent* Architect::assemble_framework() {
     }
     const auto agent = classes.find("agent");
     if (agent == classes.end()) {
-        throw Exception(where("assemble_framework", line_no_agent),
-                        "Could not find class <Agent>", "Exception");
+        throw Exception(where("assemble_framework", line_no_agent), "Could not find class <Agent>",
+                        "Exception");
     }
     return dynamic_cast<Agent*>(agent->second);
 }
@@ -93,8 +93,8 @@ void Architect::construct() {
     for (const auto& library : libraries) {
         void* handle = dlopen(library.c_str(), RTLD_NOW);
         if (handle == nullptr) {
-            throw Exception(where("construct", line_open_library),
-                            "Failed to open shared library!", "Exception");
+            throw Exception(where("construct", line_open_library), "Failed to open shared library!",
+                            "Exception");
         }
         // The components outlive the handle closed below: pin the library so
         // that closing the handle cannot unload their code.

@@ -8,4 +8,6 @@ void Constructable::finalize() {}
 
 } // namespace orvo
 
-extern "C" void destroy(orvo::Constructable* component) { delete component; }
+extern "C" void destroy(orvo::Constructable* component) {
+    delete component;
+}

@@ -2,9 +2,13 @@
 
 namespace orvo {
 
-void Constructable_Proxy::link(Class_Map& classes) { this->classes = &classes; }
+void Constructable_Proxy::link(Class_Map& classes) {
+    this->classes = &classes;
+}
 
-std::string Constructable_Proxy::get_name() const { return "constructable_proxy"; }
+std::string Constructable_Proxy::get_name() const {
+    return "constructable_proxy";
+}
 
 } // namespace orvo
 

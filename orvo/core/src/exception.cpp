@@ -10,8 +10,7 @@ std::string gen_ffl_string(const char* file, const char* function, int line) {
     return text.str();
 }
 
-Exception::Exception(const std::string& source, const std::string& message,
-                     const std::string& type)
+Exception::Exception(const std::string& source, const std::string& message, const std::string& type)
     : source_(source), message_(message), type_(type) {}
 
 Exception::Exception(const std::string& source, const Exception& cause)
@@ -20,9 +19,15 @@ Exception::Exception(const std::string& source, const Exception& cause)
 
 Exception::~Exception() = default;
 
-const std::string& Exception::get_source() const { return source_; }
-const std::string& Exception::get_message() const { return message_; }
-const std::string& Exception::get_type() const { return type_; }
+const std::string& Exception::get_source() const {
+    return source_;
+}
+const std::string& Exception::get_message() const {
+    return message_;
+}
+const std::string& Exception::get_type() const {
+    return type_;
+}
 
 std::ostream& Exception::print(std::ostream& out) const {
     return out << "Exception of type(" << get_type() << "):\n"

@@ -63,6 +63,8 @@ ORVO_API void destroy(orvo::Constructable* component);
 /// Defines the exported factory `create_<name>` of a component class with a
 /// default constructor. `name` must be what the class's get_name() returns.
 #define ORVO_COMPONENT_FACTORY(name, Class)                                                        \
-    extern "C" ORVO_API ::orvo::Constructable* create_##name() { return new Class(); }
+    extern "C" ORVO_API ::orvo::Constructable* create_##name() {                                   \
+        return new Class();                                                                        \
+    }
 
 #endif
