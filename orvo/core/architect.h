@@ -27,7 +27,8 @@ public:
     /// when the "agent" component is not an Agent.
     Agent* assemble_framework();
     /// Finalises every component (a failure stops finalisation silently), then
-    /// deletes every component.
+    /// deletes every component. The names stay in the map with null pointers,
+    /// so a second call finds nothing left to finalise or delete.
     void disassemble_framework();
 
     void construct();

@@ -4,6 +4,7 @@
 #include <sys/utsname.h>
 
 #include <fstream>
+#include <memory>
 #include <stdexcept>
 
 namespace orvo {
@@ -67,8 +68,11 @@ void Architect::disassemble_framework() {
     } catch (const Exception&) {
         // A component that cannot finalise must not keep the others alive.
     }
-    for (const auto& entry : classes) {
+    // The names stay registered; clearing the pointers keeps the map free of
+    // dangling entries for anyone still reading it.
+    for (auto& entry : classes) {
         delete entry.second;
+        entry.second = nullptr;
     }
 }
 
@@ -127,12 +131,17 @@ void Architect::construct() {
             }
             throw Exception(where("construct", line_no_factory), error, "Exception");
         }
-        Constructable* component = reinterpret_cast<Factory>(factory)();
-        if (component == nullptr) {
+        std::unique_ptr<Constructable> component(reinterpret_cast<Factory>(factory)());
+        if (!component) {
             continue; // nothing to register: a factory without an object has no name
         }
-        // First of a name wins; a later object of the same name is dropped as is.
-        classes.insert(Class_Map::value_type(component->get_name(), component));
+        // Held until registered, so that a get_name() that throws loses nothing.
+        const std::string registered = component->get_name();
+        // First of a name wins; a later object of the same name is dropped as
+        // is, neither registered nor deleted: its constructor may have handed
+        // `this` to someone who still uses it.
+        classes.insert(Class_Map::value_type(registered, component.get()));
+        component.release();
     }
 
     for (void* handle : handles) {
