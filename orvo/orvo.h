@@ -14,4 +14,12 @@
 // behaviors
 #include <orvo/behaviors/behavior.h>
 
+// net
+#include <orvo/net/addr.h>
+#include <orvo/net/errors.h>
+#include <orvo/net/socket.h>
+#include <orvo/net/socket_stream_buf.h>
+#include <orvo/net/tcp_socket.h>
+#include <orvo/net/udp_socket.h>
+
 #endif

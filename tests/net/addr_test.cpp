@@ -1,0 +1,90 @@
+#include <orvo/net/addr.h>
+
+#include <gtest/gtest.h>
+
+#include <netdb.h>
+
+#include <sstream>
+
+using orvo::net::Addr;
+
+TEST(Addr, CopiesShareOneBodyUntilReassigned) {
+    Addr first(80, 0x7F000001u);
+    Addr copy = first;
+    copy.setPort(81);
+    EXPECT_EQ(first.getPort(), 81);
+    EXPECT_EQ(&first.getAddr(), &copy.getAddr());
+
+    copy = Addr(90);
+    copy.setPort(91);
+    EXPECT_EQ(first.getPort(), 81);
+    EXPECT_NE(&first.getAddr(), &copy.getAddr());
+}
+
+TEST(Addr, ConstructorsFillTheStructure) {
+    const Addr unspecified;
+    EXPECT_EQ(unspecified.getAddr().sin_family, 0);
+
+    const Addr numeric(3100, 0x7F000001u);
+    EXPECT_EQ(numeric.getAddr().sin_family, AF_INET);
+    EXPECT_EQ(numeric.getAddr().sin_port, htons(3100));
+    EXPECT_EQ(numeric.getAddr().sin_addr.s_addr, htonl(0x7F000001u));
+    EXPECT_EQ(numeric.getHost(), 0x7F000001u);
+    for (unsigned char padding : numeric.getAddr().sin_zero) {
+        EXPECT_EQ(padding, 0);
+    }
+
+    sockaddr_in raw{};
+    raw.sin_family = AF_INET;
+    raw.sin_port = htons(7);
+    raw.sin_addr.s_addr = htonl(0x0A000001u);
+    raw.sin_zero[3] = 9; // copied as it is
+    const Addr copied(raw);
+    EXPECT_EQ(copied.getPort(), 7);
+    EXPECT_EQ(copied.getHostStr(), "10.0.0.1");
+    EXPECT_EQ(copied.getAddr().sin_zero[3], 9);
+}
+
+TEST(Addr, HostTextIsTheGivenNameElseTheDottedQuad) {
+    const Addr named(3100, std::string("localhost"));
+    EXPECT_EQ(named.getHostStr(), "localhost");
+    EXPECT_EQ(named.getHost(), 0x7F000001u);
+    EXPECT_EQ(named.getPort(), 3100);
+
+    EXPECT_EQ(Addr(3100, 0x7F000001u).getHostStr(), "127.0.0.1");
+    EXPECT_EQ(Addr(1, Addr::BROADCAST).getHostStr(), "255.255.255.255");
+    EXPECT_EQ(Addr(1, std::string("127.0.0.2")).getHost(), 0x7F000002u);
+}
+
+TEST(Addr, EqualityIgnoresFamilyAndOrderIsHostThenPort) {
+    EXPECT_TRUE(Addr(5) == Addr(5, Addr::ANY));
+    EXPECT_TRUE(Addr() == Addr(0));
+    EXPECT_FALSE(Addr(5, 1u) == Addr(5, 2u));
+    EXPECT_FALSE(Addr(5, 1u) == Addr(6, 1u));
+
+    EXPECT_TRUE(Addr(1, 2u) < Addr(0, 3u));
+    EXPECT_FALSE(Addr(0, 3u) < Addr(1, 2u));
+    EXPECT_TRUE(Addr(1, 3u) < Addr(2, 3u));
+    EXPECT_FALSE(Addr(2, 3u) < Addr(2, 3u));
+    // Ordering is numeric in host byte order, not over the stored bytes.
+    EXPECT_TRUE(Addr(0, 0x00000100u) < Addr(0, 0x01000000u));
+    EXPECT_TRUE(Addr(0x00FF, 1u) < Addr(0x0100, 1u));
+}
+
+TEST(Addr, PrintsPortThenHost) {
+    std::ostringstream out;
+    out << Addr(3100, std::string("localhost")) << Addr(80, 0x7F000001u);
+    EXPECT_EQ(out.str(), "(3100:localhost)(80:127.0.0.1)");
+}
+
+TEST(Addr, UnknownNameRaisesTheResolversCode) {
+    try {
+        Addr(1, std::string("no-such-host.invalid"));
+        FAIL() << "resolved a reserved name";
+    } catch (const orvo::net::HostNotFound& error) {
+        EXPECT_NE(error.err(), 0);
+        EXPECT_STREQ(error.what(), hstrerror(error.err()));
+    }
+    // The socket layer's errors are standard exceptions.
+    EXPECT_THROW(Addr(1, std::string("no-such-host.invalid")), std::exception);
+}
