@@ -1,0 +1,121 @@
+#ifndef ORVO_TESTS_EXAMPLES_CHILD_PROCESS_H
+#define ORVO_TESTS_EXAMPLES_CHILD_PROCESS_H
+
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace orvo_test {
+
+/// A program started in a working directory with its standard output and
+/// error in files. Every wait is bounded; a child still running when the
+/// object goes away is killed and reaped, so a failing test leaves nothing.
+class ChildProcess {
+public:
+    ChildProcess(const std::vector<std::string>& argv, const std::string& directory,
+                 const std::string& output_path, const std::string& error_path,
+                 const std::vector<std::string>& environment = {})
+        : output(output_path), error(error_path) {
+        std::vector<char*> args;
+        for (const auto& arg : argv) {
+            args.push_back(const_cast<char*>(arg.c_str()));
+        }
+        args.push_back(nullptr);
+        pid = fork();
+        if (pid < 0) {
+            throw std::runtime_error("fork failed");
+        }
+        if (pid == 0) {
+            const int out = ::open(output_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            const int err = ::open(error_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            if (out < 0 || err < 0 || dup2(out, 1) < 0 || dup2(err, 2) < 0 ||
+                chdir(directory.c_str()) != 0) {
+                _exit(126);
+            }
+            for (const auto& entry : environment) {
+                putenv(const_cast<char*>(entry.c_str()));
+            }
+            execv(args[0], args.data());
+            _exit(127);
+        }
+    }
+    ~ChildProcess() {
+        if (pid > 0 && !reaped) {
+            kill(pid, SIGKILL);
+            int status = 0;
+            waitpid(pid, &status, 0);
+        }
+    }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    /// The exit status, or -1 (after killing the child) when it is still
+    /// running after `timeout`; a child killed by a signal gives 128 + signal.
+    int wait_for(std::chrono::milliseconds timeout) {
+        if (reaped) {
+            return status_code;
+        }
+        const auto deadline = std::chrono::steady_clock::now() + timeout;
+        for (;;) {
+            int status = 0;
+            const pid_t done = waitpid(pid, &status, WNOHANG);
+            if (done == pid) {
+                reaped = true;
+                status_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+                return status_code;
+            }
+            if (std::chrono::steady_clock::now() >= deadline) {
+                kill(pid, SIGKILL);
+                waitpid(pid, &status, 0);
+                reaped = true;
+                status_code = -1;
+                return status_code;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
+    }
+
+    std::string output_text() const { return read(output); }
+    std::string error_text() const { return read(error); }
+
+    static std::string read(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        std::ostringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
+
+private:
+    pid_t pid = -1;
+    bool reaped = false;
+    int status_code = -1;
+    std::string output;
+    std::string error;
+};
+
+/// Waits (bounded) until `path` exists and is not empty; false on time-out.
+inline bool wait_for_file(const std::string& path, std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (std::chrono::steady_clock::now() < deadline) {
+        std::ifstream file(path);
+        if (file && file.peek() != std::ifstream::traits_type::eof()) {
+            return true;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return false;
+}
+
+} // namespace orvo_test
+
+#endif

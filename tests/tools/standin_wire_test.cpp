@@ -1,0 +1,128 @@
+#include "commands.h"
+#include "drawing_wire.h"
+#include "field_svg.h"
+
+#include <support/scratch_dir.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using demo::wire::Corner;
+using demo::wire::Kind;
+
+TEST(DrawingWire, PolygonSurvivesTheRoundTripToTheMillimetre) {
+    const Corner corners[] = {{-15.0f, 10.0f}, {0.0004f, -2.5f}, {-3.1234f, -10.0f}};
+    unsigned char buffer[demo::wire::max_shape_size];
+    const auto size =
+        demo::wire::encode(Kind::polygon, 0x85, "cell", {10, 20, 30}, corners, 3, buffer);
+    EXPECT_EQ(size, 3u + 4 + 3 + 1 + 3 * 8);
+
+    demo::wire::Shape shape;
+    ASSERT_TRUE(demo::wire::decode(buffer, size, shape));
+    EXPECT_EQ(shape.kind, Kind::polygon);
+    EXPECT_EQ(shape.header, 0x85);
+    EXPECT_EQ(shape.name, "cell");
+    EXPECT_EQ(shape.colour.green, 20);
+    ASSERT_EQ(shape.corners.size(), 3u);
+    EXPECT_FLOAT_EQ(shape.corners[0].x, -15.0f);
+    EXPECT_FLOAT_EQ(shape.corners[1].x, 0.0f);
+    EXPECT_FLOAT_EQ(shape.corners[2].x, -3.123f);
+    EXPECT_FLOAT_EQ(shape.corners[2].y, -10.0f);
+}
+
+TEST(DrawingWire, LimitsKeepEveryShapeInsideTheCollectorsBuffer) {
+    std::vector<Corner> many(200, Corner{1, 2});
+    unsigned char buffer[demo::wire::max_shape_size];
+    const std::string long_name(100, 'n');
+    const auto size =
+        demo::wire::encode(Kind::polygon, 1, long_name, {}, many.data(), many.size(), buffer);
+    EXPECT_LE(size, 512u);
+    demo::wire::Shape shape;
+    ASSERT_TRUE(demo::wire::decode(buffer, size, shape));
+    EXPECT_EQ(shape.name.size(), demo::wire::max_name);
+    EXPECT_EQ(shape.corners.size(), demo::wire::max_corners);
+
+    // A line always carries two corners, whatever it was given.
+    const auto line = demo::wire::encode(Kind::line, 1, "l", {}, many.data(), 1, buffer);
+    ASSERT_TRUE(demo::wire::decode(buffer, line, shape));
+    EXPECT_EQ(shape.corners.size(), 2u);
+}
+
+TEST(DrawingWire, MalformedDatagramsAreRejected) {
+    const Corner corner{1, 1};
+    unsigned char buffer[demo::wire::max_shape_size];
+    const auto size = demo::wire::encode(Kind::point, 1, "me", {}, &corner, 1, buffer);
+    demo::wire::Shape shape;
+    EXPECT_FALSE(demo::wire::decode(buffer, size - 1, shape));
+    EXPECT_FALSE(demo::wire::decode(buffer, 2, shape));
+    buffer[0] = 0x42;
+    EXPECT_FALSE(demo::wire::decode(buffer, size, shape));
+
+    const unsigned char opening[] = {0x03, 0x00, 0x81};
+    EXPECT_TRUE(demo::wire::is_opening(opening, 3));
+    EXPECT_FALSE(demo::wire::is_opening(opening, 2));
+}
+
+TEST(StandinCommands, MessagesSplitIntoTopLevelExpressions) {
+    const auto commands = standin::split_commands("(he1 0)(he2 0.3) (init (unum 3)(teamname a))");
+    ASSERT_EQ(commands.size(), 3u);
+    EXPECT_EQ(commands[0].name, "he1");
+    EXPECT_EQ(commands[1].text, "(he2 0.3)");
+    EXPECT_EQ(commands[2].name, "init");
+    EXPECT_EQ(standin::value_of(commands[2].text, "unum"), "3");
+    EXPECT_EQ(standin::value_of(commands[2].text, "teamname"), "a");
+    EXPECT_FALSE(standin::value_of(commands[2].text, "team").has_value());
+
+    const auto args = standin::arguments("(beam -3.5 2 90)");
+    ASSERT_EQ(args.size(), 3u);
+    EXPECT_EQ(standin::to_number(args[0]), -3.5);
+    EXPECT_FALSE(standin::to_number("2x").has_value());
+    EXPECT_FALSE(standin::to_number("nan").has_value());
+}
+
+TEST(StandinCommands, AnUnbalancedTailIsKeptAsOneNamelessCommand) {
+    const auto commands = standin::split_commands("(syn)(beam 1 (2");
+    ASSERT_EQ(commands.size(), 2u);
+    EXPECT_EQ(commands[0].name, "syn");
+    EXPECT_EQ(commands[1].name, "");
+    EXPECT_TRUE(standin::split_commands("no parentheses").empty());
+}
+
+TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
+    orvo_test::ScratchDir dir;
+    standin::FieldPicture picture;
+    picture.players = {{1, 0, -5, 0}, {1, 1, 5, 0}};
+    demo::wire::Shape cell;
+    cell.kind = Kind::polygon;
+    cell.name = "cell<&>";
+    cell.corners = {{-15, 10}, {0, 10}, {0, -10}};
+    cell.header = 0x01;
+    picture.drawings[0x01].push_back(cell);
+    cell.header = 0x81;
+    picture.drawings[0x81].push_back(cell);
+    ASSERT_TRUE(standin::write_field_svg("field.svg", picture));
+
+    std::ifstream file("field.svg");
+    std::stringstream text;
+    text << file.rdbuf();
+    const std::string svg = text.str();
+    std::size_t cells = 0;
+    for (auto at = svg.find("class=\"cell\""); at != std::string::npos;
+         at = svg.find("class=\"cell\"", at + 1)) {
+        ++cells;
+    }
+    EXPECT_EQ(cells, 2u);
+    EXPECT_NE(svg.find("data-name=\"cell&lt;&amp;&gt;\""), std::string::npos);
+    // (-15, 10) of the left team is the top-left corner; mirrored, the bottom-right.
+    EXPECT_NE(svg.find("points=\"45.0,45.0 "), std::string::npos);
+    EXPECT_NE(svg.find("points=\"945.0,645.0 "), std::string::npos);
+    EXPECT_EQ(svg.find("<?xml"), 0u);
+    EXPECT_NE(svg.find("</svg>"), std::string::npos);
+    EXPECT_FALSE(standin::write_field_svg("missing-dir/field.svg", picture));
+}
+
+} // namespace
