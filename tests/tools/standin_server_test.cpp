@@ -174,14 +174,21 @@ TEST_F(StandinServer, SyncModeServesBeamsAssignsNumbersAndReportsEverything) {
     EXPECT_NE(summary.find(" 4      8        4   "), std::string::npos) << summary;
     EXPECT_NE(summary.find("over 8 answers"), std::string::npos) << summary;
 
-    const std::string log = orvo_test::ChildProcess::read("log.txt");
-    EXPECT_NE(log.find("1\t0\t0\t(scene rsg/agent/nao/nao.rsg)\n1\t0\t0\t(init (unum 0)"),
+    // The log keeps each agent's messages in the order they were sent.
+    std::ifstream log("log.txt");
+    std::string first_agent;
+    for (std::string line; std::getline(log, line);) {
+        if (line.rfind("1\t", 0) == 0) {
+            first_agent += line + "\n";
+        }
+    }
+    EXPECT_EQ(first_agent.substr(0, 66),
+              "1\t0\t0\t(scene rsg/agent/nao/nao.rsg)\n1\t0\t0\t(init (unum 0)(teamname ")
+        << first_agent;
+    EXPECT_NE(first_agent.find("1\t1\t2\t(beam -3 2 0)\n1\t1\t2\t(he1 0.5)(he2 0.1)(dance "
+                               "1)\n1\t1\t2\t(syn)\n1\t1\t3\t(beam"),
               std::string::npos)
-        << log;
-    EXPECT_NE(
-        log.find("1\t1\t2\t(beam -3 2 0)\n1\t1\t2\t(he1 0.5)(he2 0.1)(dance 1)\n1\t1\t2\t(syn)"),
-        std::string::npos)
-        << log;
+        << first_agent;
 
     const std::string svg = orvo_test::ChildProcess::read("field.svg");
     EXPECT_EQ(count(svg, "class=\"cell\""), 2u); // each agent's latest batch only
