@@ -197,6 +197,16 @@ TEST_F(ArchitectTest, LinkStepReraisesALinkException) {
     }
 }
 
+TEST_F(ArchitectTest, OtherLinkFailuresPassTheLinkStepUnchanged) {
+    configure("alpha\n", "zulu\nlink_fails\n");
+    const Failure failure = assemble_failure();
+    ASSERT_TRUE(failure.thrown);
+    EXPECT_EQ(failure.source,
+              assemble_site + "\n--> plugins/recorded.h: In function 'link' (line 5): ");
+    EXPECT_EQ(failure.message, "cannot link");
+    EXPECT_THAT(journal(), ElementsAre("kilo.link"));
+}
+
 TEST_F(ArchitectTest, InitFailureIsChainedThreeLevelsAndStopsTheWalk) {
     configure("alpha\n", "zulu\ninit_fails\nagent\n");
     const Failure failure = assemble_failure();

@@ -16,6 +16,7 @@ namespace orvo_test {
 
 struct Faults {
     const char* needs = nullptr; ///< a collaborator link() asks for
+    bool link_fails = false;
     bool init_fails = false;
     bool finalize_fails = false;
 };
@@ -45,6 +46,10 @@ public:
         record(name + ".link");
         if (faults.needs != nullptr) {
             orvo::get_class<orvo::Constructable>(*this, faults.needs, classes);
+        }
+        if (faults.link_fails) {
+            throw orvo::Exception(orvo::gen_ffl_string("plugins/recorded.h", "link", 5),
+                                  "cannot link", "Exception");
         }
     }
     void init() override {
