@@ -16,10 +16,15 @@
 
 // net
 #include <orvo/net/addr.h>
+#include <orvo/net/comm_unit.h>
 #include <orvo/net/errors.h>
 #include <orvo/net/socket.h>
 #include <orvo/net/socket_stream_buf.h>
 #include <orvo/net/tcp_socket.h>
 #include <orvo/net/udp_socket.h>
+
+// communication
+#include <orvo/communication/configuration.h>
+#include <orvo/communication/messenger.h>
 
 #endif

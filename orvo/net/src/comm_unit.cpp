@@ -1,0 +1,166 @@
+#include <orvo/net/comm_unit.h>
+
+#include <poll.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace orvo::net {
+
+namespace {
+
+constexpr std::size_t receive_size = 16384;
+constexpr std::size_t prefix_size = 4;
+
+// Shared by every CommUnit: receiving is single-threaded by contract, and a
+// returned message is copied out before the next call.
+char receive_buffer[receive_size];
+char* const receive_end = receive_buffer + receive_size;
+
+std::uint32_t big_endian(const char* bytes) {
+    const auto* b = reinterpret_cast<const unsigned char*>(bytes);
+    return (std::uint32_t{b[0]} << 24) | (std::uint32_t{b[1]} << 16) | (std::uint32_t{b[2]} << 8) |
+           std::uint32_t{b[3]};
+}
+
+/// The payload text from the start of the buffer's payload up to the first
+/// NUL, never past `end`.
+std::string payload_text(const char* end) {
+    const char* payload = receive_buffer + prefix_size;
+    return std::string(payload, strnlen(payload, static_cast<std::size_t>(end - payload)));
+}
+
+} // namespace
+
+CommUnit::CommUnit() : stream_buffer(&socket, 8192, true), input(&stream_buffer) {}
+
+CommUnit::~CommUnit() = default;
+
+void CommUnit::link(Class_Map&) {}
+
+void CommUnit::init() {}
+
+void CommUnit::finalize() {
+    if (connected) {
+        socket.close();
+        connected = false;
+    }
+}
+
+std::string CommUnit::get_name() const {
+    return "communit";
+}
+
+bool CommUnit::configure_run(const std::string& host, unsigned int port, unsigned int value) {
+    this->host = host;
+    this->port = port;
+    run_value = value;
+    connected = open_connection(host, port);
+    return connected;
+}
+
+bool CommUnit::open_connection(const std::string& host, unsigned int port) {
+    try {
+        socket.bind(Addr(0, Addr::ANY));
+    } catch (const BindErr&) {
+        socket.close();
+        return false;
+    }
+    const Addr server(static_cast<unsigned short>(port), host);
+    try {
+        socket.connect(server);
+    } catch (const ConnectErr&) {
+        socket.close();
+        return false;
+    }
+    return true;
+}
+
+void CommUnit::write_message(const std::string& msg) {
+    // Without a descriptor, number 0 would be standard input.
+    if (msg.empty() || !socket.isOpen() || msg.size() > UINT32_MAX - prefix_size) {
+        return;
+    }
+    const auto length = static_cast<std::uint32_t>(msg.size());
+    std::string frame(prefix_size + msg.size(), '\0');
+    frame[0] = static_cast<char>(length >> 24);
+    frame[1] = static_cast<char>(length >> 16);
+    frame[2] = static_cast<char>(length >> 8);
+    frame[3] = static_cast<char>(length);
+    std::memcpy(&frame[prefix_size], msg.data(), msg.size());
+    // One call for the whole frame, as a plain write would make; the flag keeps
+    // a server that went away from killing the agent with SIGPIPE.
+    const ssize_t ignored = ::send(socket.getFD(), frame.data(), frame.size(), MSG_NOSIGNAL);
+    static_cast<void>(ignored);
+}
+
+bool CommUnit::SelectInput(bool block) {
+    if (!socket.isOpen()) {
+        return false;
+    }
+    const int fd = socket.getFD();
+    if (fd >= FD_SETSIZE) {
+        // select() cannot hold this descriptor; poll() answers the same question.
+        pollfd entry{fd, POLLIN, 0};
+        return poll(&entry, 1, block ? -1 : 0) > 0;
+    }
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(fd, &readable);
+    timeval poll_only{0, 0};
+    return select(fd + 1, &readable, nullptr, nullptr, block ? nullptr : &poll_only) > 0;
+}
+
+std::string CommUnit::get_message() {
+    if (!SelectInput(false)) {
+        return "";
+    }
+    const int fd = socket.getFD();
+    const ssize_t first = ::read(fd, receive_buffer, receive_size);
+    if (first < 0) {
+        // The buffer still holds the previous message (zeros if none came).
+        return payload_text(receive_end);
+    }
+    if (static_cast<std::size_t>(first) < prefix_size) {
+        return ""; // closed, or the prefix is incomplete: those bytes are lost
+    }
+
+    const std::uint32_t length = big_endian(receive_buffer);
+    std::size_t have = static_cast<std::size_t>(first) - prefix_size;
+    char* position = receive_buffer + first;
+    while (length > have) {
+        if (!SelectInput(false)) {
+            return ""; // the rest of the frame is not here yet: drop it
+        }
+        // The position advances by the running payload count, not by the
+        // bytes of the last read; peers rely on what that keeps. Reads stop at
+        // the buffer's end, whatever the length prefix announces.
+        if (position >= receive_end) {
+            break;
+        }
+        const std::size_t room = std::min<std::size_t>(
+            receive_size - have, static_cast<std::size_t>(receive_end - position));
+        const ssize_t more = ::read(fd, position, room);
+        if (more <= 0) {
+            return ""; // the connection ended or failed inside the frame
+        }
+        have += static_cast<std::size_t>(more);
+        position += std::min<std::size_t>(have, static_cast<std::size_t>(receive_end - position));
+    }
+    if (position < receive_end) {
+        *position = '\0';
+    }
+    return payload_text(position < receive_end ? position : receive_end);
+}
+
+void CommUnit::close_connection() {
+    socket.close();
+}
+
+} // namespace orvo::net
+
+ORVO_COMPONENT_FACTORY(communit, orvo::net::CommUnit)

@@ -1,0 +1,53 @@
+#include "read_script.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <deque>
+
+namespace orvo_test {
+
+namespace {
+int scripted_fd = -1;
+std::deque<std::size_t> pending_limits;
+int pending_error = 0;
+} // namespace
+
+void script_reads(int fd, std::initializer_list<std::size_t> limits) {
+    scripted_fd = fd;
+    pending_limits.assign(limits);
+}
+
+void fail_next_read(int fd, int error) {
+    scripted_fd = fd;
+    pending_error = error;
+}
+
+void clear_read_script() {
+    scripted_fd = -1;
+    pending_limits.clear();
+    pending_error = 0;
+}
+
+} // namespace orvo_test
+
+// Replaces the C library's read() for the whole program (the library's calls
+// bind to the executable's definition first).
+extern "C" ssize_t read(int fd, void* buffer, size_t count) {
+    using Read = ssize_t (*)(int, void*, size_t);
+    static const auto next = reinterpret_cast<Read>(dlsym(RTLD_NEXT, "read"));
+    if (fd == orvo_test::scripted_fd) {
+        if (orvo_test::pending_error != 0) {
+            errno = orvo_test::pending_error;
+            orvo_test::pending_error = 0;
+            return -1;
+        }
+        if (!orvo_test::pending_limits.empty()) {
+            count = std::min(count, orvo_test::pending_limits.front());
+            orvo_test::pending_limits.pop_front();
+        }
+    }
+    return next(fd, buffer, count);
+}
