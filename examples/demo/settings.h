@@ -1,0 +1,30 @@
+#ifndef ORVO_DEMO_SETTINGS_H
+#define ORVO_DEMO_SETTINGS_H
+
+#include <istream>
+#include <string>
+
+namespace demo {
+
+/// The demo team's settings, from "config/server.cfg" of the run directory.
+struct Settings {
+    std::string host = "localhost"; ///< the simulation server
+    unsigned int port = 3100;
+    /// The third server value; the demo also sends its debug drawings to this
+    /// UDP port of the server's host.
+    unsigned int drawing_port = 15096;
+    std::string team = "orvo";
+    unsigned int unum = 0;   ///< 0 lets the server choose the player number
+    unsigned int cycles = 0; ///< cycles to play; 0 plays until the server closes
+    unsigned int wait = 10;  ///< seconds to wait for a server message before giving up
+};
+
+/// Reads "key value" lines into `settings`; "#" starts a comment, blank lines
+/// are skipped and absent keys keep their defaults. An unknown key, a missing
+/// or malformed value raises an orvo::Exception whose message names `file`
+/// and the line: "config/server.cfg:3: port: '31x0' is not a port (1-65535)".
+void read_settings(std::istream& in, const std::string& file, Settings& settings);
+
+} // namespace demo
+
+#endif
