@@ -1,7 +1,7 @@
 #include "read_script.h"
 
 #include <dlfcn.h>
-#include <unistd.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -33,11 +33,11 @@ void clear_read_script() {
 
 } // namespace orvo_test
 
-// Replaces the C library's read() for the whole program (the library's calls
+// Replaces the C library's recv() for the whole program (the library's calls
 // bind to the executable's definition first).
-extern "C" ssize_t read(int fd, void* buffer, size_t count) {
-    using Read = ssize_t (*)(int, void*, size_t);
-    static const auto next = reinterpret_cast<Read>(dlsym(RTLD_NEXT, "read"));
+extern "C" ssize_t recv(int fd, void* buffer, size_t count, int flags) {
+    using Recv = ssize_t (*)(int, void*, size_t, int);
+    static const auto next = reinterpret_cast<Recv>(dlsym(RTLD_NEXT, "recv"));
     if (fd == orvo_test::scripted_fd) {
         if (orvo_test::pending_error != 0) {
             errno = orvo_test::pending_error;
@@ -49,5 +49,5 @@ extern "C" ssize_t read(int fd, void* buffer, size_t count) {
             orvo_test::pending_limits.pop_front();
         }
     }
-    return next(fd, buffer, count);
+    return next(fd, buffer, count, flags);
 }

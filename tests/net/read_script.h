@@ -8,7 +8,7 @@ namespace orvo_test {
 
 /// Makes the next reads of `fd` return at most the given numbers of bytes,
 /// one limit per read, so that a frame that is already queued in the kernel
-/// arrives in pieces. The test program replaces read() to do this; every
+/// arrives in pieces. The test program replaces recv() to do this; every
 /// other descriptor, and `fd` once the limits are used up, reads normally.
 void script_reads(int fd, std::initializer_list<std::size_t> limits);
 /// The next read of `fd` fails with `error` instead of reading.
