@@ -27,4 +27,8 @@
 #include <orvo/communication/configuration.h>
 #include <orvo/communication/messenger.h>
 
+// debug
+#include <orvo/debug/debug_drawings.h>
+#include <orvo/debug/drawing_command.h>
+
 #endif

@@ -1,0 +1,276 @@
+#include <orvo/debug/debug_drawings.h>
+
+#include <net/loopback.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+using orvo::DebugDrawings;
+using orvo::DrawingCommand;
+using orvo::net::Addr;
+using orvo::net::UDPSocket;
+using orvo_test::bound_waits;
+using orvo_test::loopback;
+using orvo_test::readable;
+using Bytes = std::vector<unsigned char>;
+
+int destroyed = 0;
+
+/// Writes fixed bytes (optionally preceded by the header it is given) and
+/// reports a length of its choosing; counts its destructions.
+class TestCommand : public DrawingCommand {
+public:
+    explicit TestCommand(Bytes bytes, bool with_header = false)
+        : DrawingCommand("test"), bytes(std::move(bytes)), with_header(with_header),
+          reported(static_cast<int>(this->bytes.size()) + (with_header ? 1 : 0)) {}
+    TestCommand(Bytes bytes, int reported)
+        : DrawingCommand("test"), bytes(std::move(bytes)), reported(reported) {}
+    ~TestCommand() override { ++destroyed; }
+
+    int serialize(int header, unsigned char* buffer) override {
+        if (with_header) {
+            *buffer++ = static_cast<unsigned char>(header);
+        }
+        std::memcpy(buffer, bytes.data(), bytes.size());
+        return reported;
+    }
+
+private:
+    Bytes bytes; // a member that needs destruction: leaks unless destroyed whole
+    bool with_header = false;
+    int reported;
+};
+
+/// The debug viewer: a UDP socket on the loopback interface.
+class Viewer {
+public:
+    Viewer() : socket(Addr(0, loopback)) { bound_waits(socket.getFD()); }
+
+    int port() const { return socket.getName().getPort(); }
+
+    /// The next datagram, or nothing when none arrives in time.
+    Bytes next() {
+        if (!readable(socket.getFD())) {
+            ADD_FAILURE() << "no datagram arrived";
+            return {};
+        }
+        char data[2048];
+        const int got = socket.recv(data, sizeof data, MSG_DONTWAIT, UDPSocket::DONT_CHECK);
+        EXPECT_GE(got, 0) << std::strerror(errno);
+        return got < 0 ? Bytes{} : Bytes(data, data + got);
+    }
+
+    bool idle() { return !readable(socket.getFD(), 0); }
+
+    void reply(const std::string& text, const DebugDrawings& to) {
+        const Addr back(to.getSocket().getName().getPort(), loopback);
+        ASSERT_EQ(socket.send(text.data(), static_cast<unsigned int>(text.size()), back),
+                  static_cast<int>(text.size()));
+        ASSERT_TRUE(readable(to.getSocket().getFD()));
+    }
+
+    UDPSocket socket;
+};
+
+class DebugDrawingsTest : public orvo_test::NoDescriptorLeak {
+protected:
+    void SetUp() override {
+        NoDescriptorLeak::SetUp();
+        destroyed = 0;
+    }
+
+    /// A collector sending to the viewer from an ephemeral local port.
+    void connect(DebugDrawings& drawings) {
+        drawings.init("127.0.0.1", viewer.port(), 0);
+        const int fd = drawings.getSocket().getFD();
+        EXPECT_NE(fcntl(fd, F_GETFL) & O_NONBLOCK, 0);
+        int reuse = 0;
+        socklen_t size = sizeof reuse;
+        EXPECT_EQ(getsockopt(fd, SOL_SOCKET, SO_REUSEADDR, &reuse, &size), 0);
+        EXPECT_EQ(reuse, 1);
+        // A receive that wrongly blocked would give up instead of hanging.
+        bound_waits(drawings.getSocket().getFD());
+    }
+
+    Viewer viewer;
+};
+
+TEST(DebugDrawingsHeader, TeamInBitSevenIdBelow) {
+    DebugDrawings drawings;
+    EXPECT_EQ(drawings.getHeader(), 0);
+    drawings.setTeam(1);
+    drawings.setId(5);
+    EXPECT_EQ(drawings.getHeader(), 0x85);
+    drawings.setTeam(2); // only the low bit of the team counts
+    EXPECT_EQ(drawings.getHeader(), 0x05);
+    drawings.setTeam(3);
+    drawings.setId(7);
+    EXPECT_EQ(drawings.getHeader(), 0x87);
+    drawings.setTeam(-1); // all bits set: the team bit is set, nothing else changes
+    EXPECT_EQ(drawings.getHeader(), 0x87);
+}
+
+TEST(DebugDrawingsHeader, LargeIdCarriesIntoTeamBit) {
+    DebugDrawings drawings;
+    drawings.setId(130);
+    EXPECT_EQ(drawings.getHeader(), 0x82);
+    drawings.setTeam(1);
+    drawings.setId(200); // 0x80 + 200 = 0x148, kept to 8 bits
+    EXPECT_EQ(drawings.getHeader(), 0x48);
+}
+
+TEST(DebugDrawingsActivation, SortedWithDuplicatesAndFirstRemoval) {
+    DebugDrawings drawings;
+    EXPECT_TRUE(drawings.isDrawingActive("anything"));
+    drawings.activateDrawing("b");
+    drawings.activateDrawing("a");
+    drawings.activateDrawing("b");
+    drawings.activateDrawing("B"); // byte order: upper case first
+    drawings.activateDrawing("ab");
+    EXPECT_EQ(drawings.getActiveDrawings(), (std::vector<std::string>{"B", "a", "ab", "b", "b"}));
+    drawings.deactivateDrawing("b");
+    drawings.deactivateDrawing("missing");
+    EXPECT_EQ(drawings.getActiveDrawings(), (std::vector<std::string>{"B", "a", "ab", "b"}));
+    EXPECT_TRUE(drawings.isDrawingActive("missing"));
+}
+
+TEST_F(DebugDrawingsTest, NoCommandsSendOnlyTheOpening) {
+    DebugDrawings drawings;
+    connect(drawings);
+    drawings.setTeam(1);
+    drawings.setId(5);
+    drawings.send();
+    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x85}));
+    EXPECT_TRUE(viewer.idle());
+}
+
+TEST_F(DebugDrawingsTest, OneDatagramPerCommandInOrderWithTheHeader) {
+    DebugDrawings drawings;
+    connect(drawings);
+    drawings.setTeam(1);
+    drawings.setId(5);
+    drawings.addDrawing(new TestCommand({1, 2, 3}));
+    drawings.addDrawing(new TestCommand({9}, true));
+    drawings.addDrawing(new TestCommand(Bytes(DrawingCommand::max_size - 1, 0xAB), true));
+    drawings.addDrawing(new TestCommand({}));
+    drawings.send();
+
+    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x85}));
+    EXPECT_EQ(viewer.next(), (Bytes{1, 2, 3}));
+    EXPECT_EQ(viewer.next(), (Bytes{0x85, 9}));
+    Bytes full(DrawingCommand::max_size, 0xAB);
+    full[0] = 0x85;
+    EXPECT_EQ(viewer.next(), full);
+    EXPECT_EQ(viewer.next(), Bytes{}); // an empty command is an empty datagram
+    EXPECT_TRUE(viewer.idle());
+
+    // send() keeps the commands for another round.
+    EXPECT_EQ(drawings.getDrawings().size(), 4u);
+    EXPECT_EQ(destroyed, 0);
+}
+
+TEST_F(DebugDrawingsTest, OverlongOrNegativeLengthsAreNotSent) {
+    DebugDrawings drawings;
+    connect(drawings);
+    // Reports more than it may; nothing past its share may leave the host.
+    drawings.addDrawing(new TestCommand({1}, DrawingCommand::max_size + 1));
+    drawings.addDrawing(new TestCommand({2}, 1 << 20));
+    drawings.addDrawing(new TestCommand({3}, -1));
+    drawings.addDrawing(new TestCommand({4}));
+    drawings.send();
+
+    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x00}));
+    EXPECT_EQ(viewer.next(), Bytes{4});
+    EXPECT_TRUE(viewer.idle());
+}
+
+TEST_F(DebugDrawingsTest, ExecuteSendsThenFreesEveryCommand) {
+    DebugDrawings drawings;
+    connect(drawings);
+    drawings.addDrawing(new TestCommand({7}));
+    drawings.addDrawing(nullptr); // tolerated: skipped when sending and freeing
+    drawings.addDrawing(new TestCommand({8}));
+    drawings.setUserFlag(true);
+    drawings.execute();
+
+    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x00}));
+    EXPECT_EQ(viewer.next(), Bytes{7});
+    EXPECT_EQ(viewer.next(), Bytes{8});
+    EXPECT_TRUE(drawings.getDrawings().empty());
+    EXPECT_EQ(destroyed, 2);
+    EXPECT_FALSE(drawings.getUserFlag());
+
+    // The next cycle starts empty.
+    drawings.execute();
+    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x00}));
+    EXPECT_TRUE(viewer.idle());
+}
+
+TEST_F(DebugDrawingsTest, ReceivePrintsTheViewersReply) {
+    DebugDrawings drawings;
+    connect(drawings);
+
+    testing::internal::CaptureStderr();
+    drawings.receive(); // nothing pending: returns at once, prints nothing
+    viewer.reply("hello viewer", drawings);
+    drawings.receive();
+    viewer.reply(std::string("cut\0hidden", 10), drawings);
+    drawings.receive();
+    viewer.reply(std::string(1500, 'x'), drawings);
+    drawings.receive(); // one datagram is read at most 1023 bytes of
+    drawings.receive();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "received: hello viewer\nreceived: cut\nreceived: " + std::string(1023, 'x') + "\n");
+}
+
+TEST_F(DebugDrawingsTest, ExecuteReceivesAfterSending) {
+    DebugDrawings drawings;
+    connect(drawings);
+    viewer.reply("ok", drawings);
+    drawings.addDrawing(new TestCommand({1}));
+
+    testing::internal::CaptureStderr();
+    drawings.execute();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "received: ok\n");
+    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x00}));
+    EXPECT_EQ(viewer.next(), Bytes{1});
+}
+
+TEST_F(DebugDrawingsTest, WithoutInitNothingIsSentButCommandsAreFreed) {
+    {
+        DebugDrawings drawings;
+        drawings.addDrawing(new TestCommand({1}));
+        testing::internal::CaptureStderr();
+        drawings.execute();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_EQ(destroyed, 1);
+        drawings.addDrawing(new TestCommand({2}));
+    } // destroyed without init, still holding a command
+    EXPECT_EQ(destroyed, 2);
+}
+
+TEST_F(DebugDrawingsTest, BindFailurePropagatesAndLeavesNothingBehind) {
+    {
+        DebugDrawings drawings;
+        drawings.addDrawing(new TestCommand({1}));
+        // The viewer's port is taken without address reuse.
+        EXPECT_THROW(drawings.init("127.0.0.1", viewer.port(), viewer.port()), orvo::net::BindErr);
+    }
+    EXPECT_EQ(destroyed, 1);
+}
+
+TEST_F(DebugDrawingsTest, SecondInitCannotRebind) {
+    DebugDrawings drawings;
+    connect(drawings);
+    EXPECT_THROW(drawings.init("127.0.0.1", viewer.port(), 0), orvo::net::BindErr);
+}
+
+} // namespace
