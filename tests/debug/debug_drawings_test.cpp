@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -39,7 +40,7 @@ public:
         if (with_header) {
             *buffer++ = static_cast<unsigned char>(header);
         }
-        std::memcpy(buffer, bytes.data(), bytes.size());
+        std::copy(bytes.begin(), bytes.end(), buffer);
         return reported;
     }
 
