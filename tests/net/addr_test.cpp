@@ -22,27 +22,16 @@ TEST(Addr, CopiesShareOneBodyUntilReassigned) {
 }
 
 TEST(Addr, ConstructorsFillTheStructure) {
-    const Addr unspecified;
-    EXPECT_EQ(unspecified.getAddr().sin_family, 0);
-
+    EXPECT_EQ(Addr().getAddr().sin_family, 0);
     const Addr numeric(3100, 0x7F000001u);
     EXPECT_EQ(numeric.getAddr().sin_family, AF_INET);
     EXPECT_EQ(numeric.getAddr().sin_port, htons(3100));
     EXPECT_EQ(numeric.getAddr().sin_addr.s_addr, htonl(0x7F000001u));
-    EXPECT_EQ(numeric.getHost(), 0x7F000001u);
-    for (unsigned char padding : numeric.getAddr().sin_zero) {
-        EXPECT_EQ(padding, 0);
-    }
 
-    sockaddr_in raw{};
-    raw.sin_family = AF_INET;
-    raw.sin_port = htons(7);
-    raw.sin_addr.s_addr = htonl(0x0A000001u);
-    raw.sin_zero[3] = 9; // copied as it is
-    const Addr copied(raw);
-    EXPECT_EQ(copied.getPort(), 7);
-    EXPECT_EQ(copied.getHostStr(), "10.0.0.1");
-    EXPECT_EQ(copied.getAddr().sin_zero[3], 9);
+    sockaddr_in raw = numeric.getAddr();
+    raw.sin_zero[3] = 9; // copied as it is, padding included
+    EXPECT_EQ(Addr(raw).getAddr().sin_zero[3], 9);
+    EXPECT_EQ(Addr(raw).getHostStr(), "127.0.0.1");
 }
 
 TEST(Addr, HostTextIsTheGivenNameElseTheDottedQuad) {

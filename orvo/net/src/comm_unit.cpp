@@ -68,6 +68,9 @@ bool CommUnit::configure_run(const std::string& host, unsigned int port, unsigne
 }
 
 bool CommUnit::open_connection(const std::string& host, unsigned int port) {
+    if (!socket.isOpen()) {
+        return false; // descriptor 0 is not ours to bind, whatever it is
+    }
     try {
         socket.bind(Addr(0, Addr::ANY));
     } catch (const BindErr&) {
