@@ -31,4 +31,15 @@
 #include <orvo/debug/debug_drawings.h>
 #include <orvo/debug/drawing_command.h>
 
+// math
+#include <orvo/math/mvexception.h>
+#include <orvo/math/mvtools.h>
+#include <orvo/math/polar.h>
+#include <orvo/math/polygon.h>
+#include <orvo/math/random_number_generator.h>
+#include <orvo/math/rotation_matrix.h>
+#include <orvo/math/vector2d.h>
+#include <orvo/math/vector3.h>
+#include <orvo/math/vector3d.h>
+
 #endif

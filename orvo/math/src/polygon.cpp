@@ -1,0 +1,236 @@
+#include <orvo/core/exception.h>
+#include <orvo/math/polygon.h>
+
+#include <cassert>
+#include <cmath>
+#include <iterator>
+
+namespace orvo {
+namespace math {
+
+namespace {
+
+// Where the polygon reports misuse from; traces name this place whatever the
+// build directory is.
+constexpr const char* source_file = "math/src/polygon.cpp";
+constexpr int reset_line = 40;
+constexpr int update_line = 78;
+
+using Corner = Polygon::Corner;
+using Corner_List = Polygon::Corner_List;
+
+Vector2d difference(const Vector2d& to, const Vector2d& from) {
+    return Vector2d(to.x - from.x, to.y - from.y);
+}
+
+double squared_distance(const Vector2d& a, const Vector2d& b) {
+    const double dx = static_cast<double>(a.x) - b.x;
+    const double dy = static_cast<double>(a.y) - b.y;
+    return dx * dx + dy * dy;
+}
+
+bool same_corner(const Corner& a, const Corner& b) {
+    return a.first.x == b.first.x && a.first.y == b.first.y && a.second.x == b.second.x &&
+           a.second.y == b.second.y;
+}
+
+// A point where the bisector crosses an edge, with the corner owning that edge.
+struct Crossing {
+    Vector2d point;
+    Corner_List::iterator corner;
+};
+
+} // namespace
+
+Polygon::Polygon() : area(0.0f), radius(0.0f) {}
+
+Polygon::Polygon(const Corner_List& corners)
+    : area(0.0f), corners(corners), initial_corners(corners), radius(0.0f) {}
+
+void Polygon::set_corners(const Corner_List& corners) {
+    // Copy first: `corners` may be this polygon's own list.
+    Corner_List initial(corners);
+    initial_corners.swap(initial);
+    if (!initial_corners.empty()) {
+        reset();
+    }
+}
+
+void Polygon::reset() {
+    if (initial_corners.empty()) {
+        throw LogicException(gen_ffl_string(source_file, "reset", reset_line),
+                             "Reset not possible - no initial polygon existing!");
+    }
+    // Assignment reuses the nodes the list already has, so resetting a cell
+    // over and over does not go back to the allocator.
+    corners = initial_corners;
+}
+
+const Vector2d& Polygon::update(const std::vector<Vector2d>& points, const Vector2d& p) {
+    if (corners.empty()) {
+        throw LogicException(gen_ffl_string(source_file, "update", update_line),
+                             "Update not possible - no polygon existing!");
+    }
+    site = p;
+    // Every node lies within the radius of the last update, so a point at
+    // twice that distance or more has its bisector outside the polygon. The
+    // radius is deliberately the previous one: it is only refreshed below.
+    const double reach = 2.0 * radius;
+    for (const Vector2d& q : points) {
+        if (!(reach > std::sqrt(squared_distance(q, site)))) {
+            continue;
+        }
+        cut_by_bisector(q, site);
+    }
+    measure(site);
+    return centroid;
+}
+
+void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
+    const double dx = static_cast<double>(q.x) - p.x;
+    const double dy = static_cast<double>(q.y) - p.y;
+    const double mx = (static_cast<double>(q.x) + p.x) * 0.5;
+    const double my = (static_cast<double>(q.y) + p.y) * 0.5;
+    const double nx = -dy;
+    const double ny = dx;
+
+    // A convex polygon meets a line in at most two edges. An edge owns its end
+    // node but not its start node, so a line through a node is found once.
+    Crossing crossings[2];
+    int found = 0;
+    const Corner& last = corners.back();
+    for (auto it = corners.begin(); it != corners.end() && found < 2; ++it) {
+        const Vector2d& node = it->first;
+        const Vector2d& edge = it->second;
+        const double den = edge.x * ny - edge.y * nx;
+        if (den == 0.0) {
+            continue;
+        }
+        const double t = ((mx - node.x) * ny - (my - node.y) * nx) / den;
+        if (t <= 0.0 || t > 1.0) {
+            continue;
+        }
+        crossings[found].point = Vector2d(static_cast<float>(node.x + t * edge.x),
+                                          static_cast<float>(node.y + t * edge.y));
+        crossings[found].corner = it;
+        ++found;
+        if (t == 1.0 && !same_corner(*it, last)) {
+            // The next edge starts at the node just found; rounding must not
+            // let it report that node a second time.
+            ++it;
+        }
+    }
+    if (found != 2) {
+        return;
+    }
+
+    // Keep the chain on p's side: it starts at the corner whose node is
+    // nearer to p (a node equally far from both belongs to q's side).
+    const bool first_on_q_side = squared_distance(crossings[0].corner->first, q) <=
+                                 squared_distance(crossings[0].corner->first, p);
+    const Crossing& from = crossings[first_on_q_side ? 1 : 0];
+    const Crossing& to = crossings[first_on_q_side ? 0 : 1];
+    const Corner_List::iterator keep = from.corner;
+    const Corner_List::iterator drop = to.corner;
+
+    keep->second = difference(from.point, keep->first);
+
+    // The new edge along the bisector follows `keep`. It takes over the first
+    // corner the cut removes, if there is one, instead of a fresh node.
+    Corner_List::iterator after = std::next(keep);
+    if (after == corners.end()) {
+        after = corners.begin();
+    }
+    const Corner chord(from.point, difference(to.point, from.point));
+    if (after == drop) {
+        corners.insert(after, chord);
+    } else {
+        *after = chord;
+        Corner_List::iterator it = std::next(after);
+        if (it == corners.end()) {
+            it = corners.begin();
+        }
+        while (it != drop) {
+            it = corners.erase(it);
+            if (it == corners.end()) {
+                it = corners.begin();
+            }
+        }
+    }
+
+    // `drop` lost its node to the cut; it becomes the edge from the second
+    // crossing to the node that followed it, and the last corner of the list
+    // moves to the front as a replacement would.
+    Corner_List::iterator follower = std::next(drop);
+    if (follower == corners.end()) {
+        follower = corners.begin();
+        corners.splice(corners.begin(), corners, drop);
+    }
+    drop->first = to.point;
+    drop->second = difference(follower->first, to.point);
+}
+
+void Polygon::measure(const Vector2d& p) {
+    // Shoelace sums; the corners run clockwise, so the signed area is negative.
+    double sum = 0.0;
+    double sum_x = 0.0;
+    double sum_y = 0.0;
+    for (auto it = corners.begin(); it != corners.end(); ++it) {
+        auto next = std::next(it);
+        if (next == corners.end()) {
+            next = corners.begin();
+        }
+        const double x0 = it->first.x;
+        const double y0 = it->first.y;
+        const double x1 = next->first.x;
+        const double y1 = next->first.y;
+        const double cross = x0 * y1 - y0 * x1;
+        sum += cross;
+        sum_x += (x0 + x1) * cross;
+        sum_y += (y0 + y1) * cross;
+    }
+    const double signed_area = sum * 0.5;
+    if (6.0 * signed_area != 0.0) {
+        centroid = Vector2d(static_cast<float>(sum_x / (6.0 * signed_area)),
+                            static_cast<float>(sum_y / (6.0 * signed_area)));
+    } else {
+        // A degenerate polygon has no centroid; the raw sums are kept as they
+        // are, which callers can recognise by the zero area.
+        centroid = Vector2d(static_cast<float>(sum_x), static_cast<float>(sum_y));
+    }
+    area = static_cast<float>(-signed_area);
+
+    double farthest = 0.0;
+    for (const Corner& corner : corners) {
+        const double d = squared_distance(corner.first, p);
+        if (d > farthest) {
+            farthest = d;
+        }
+    }
+    radius = static_cast<float>(std::sqrt(farthest));
+}
+
+std::ostream& operator<<(std::ostream& out, const Polygon& polygon) {
+    const Vector2d& centroid = polygon.get_centroid();
+    out << "Polygon: " << std::endl;
+    out << "\tArea: " << static_cast<double>(polygon.get_area()) << std::endl;
+    out << "\tCentroid: " << static_cast<double>(centroid.x) << ":"
+        << static_cast<double>(centroid.y) << std::endl;
+    for (const Polygon::Corner& corner : polygon.get_corners()) {
+        out << "\tNode: " << static_cast<double>(corner.first.x) << ":"
+            << static_cast<double>(corner.first.y)
+            << " \tEdge: " << static_cast<double>(corner.second.x) << ":"
+            << static_cast<double>(corner.second.y) << std::endl;
+    }
+    return out;
+}
+
+std::ostream& operator<<(std::ostream& out, const Polygon* polygon) {
+    // A null polygon is a caller's bug, treated like every null the library
+    // is handed: the program stops here rather than later.
+    assert(polygon != nullptr);
+    return out << *polygon;
+}
+
+} // namespace math
+} // namespace orvo
