@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""Writes the seed corpora of the fuzz targets into fuzz/corpus/<target>/.
+
+The seeds are committed; run this again only to change them. Each seed is a
+small input that reaches one behaviour the fuzzer should start from.
+"""
+import pathlib
+import struct
+
+root = pathlib.Path(__file__).resolve().parent / "corpus"
+
+
+def write(target, name, data):
+    directory = root / target
+    directory.mkdir(parents=True, exist_ok=True)
+    (directory / name).write_bytes(data)
+
+
+# Configuration files for the assembler's reader.
+config = {
+    "empty": b"",
+    "libraries": b"sample\nteam_skills\n# disabled\nteam_effectors\n",
+    "comment_only_at_column_0": b"# comment\n  #value\n",
+    "single_characters": b"a\n  b  \n \n",
+    "blanks_and_tabs": b"  \tfoo\t  \n  ab  \nab  \n",
+    "tabs_only": b"ok\n\t\t\nlost\n",
+    "carriage_return_and_no_final_newline": b"ab\r\nlast",
+}
+for name, data in config.items():
+    write("config_reader_fuzzer", name, data)
+
+
+def frame(payload):
+    return struct.pack(">I", len(payload)) + payload
+
+
+def piece(data):
+    return b"p" + struct.pack(">H", len(data)) + data
+
+
+def filled_frame(length, count, byte):
+    return b"f" + struct.pack(">IH", length, count) + bytes([byte])
+
+
+def filler(count, byte):
+    return b"z" + struct.pack(">H", count) + bytes([byte])
+
+
+init = frame(b"(init)")
+comm = {
+    "whole_frame": piece(init) + b"r",
+    "two_pieces": piece(init[:6]) + piece(init[6:]) + b"r",
+    "three_pieces": piece(init[:5]) + piece(init[5:7]) + piece(init[7:]) + b"r",
+    "nul_in_payload": piece(frame(b"(a\x00b)")) + b"r",
+    "two_frames_one_piece": piece(init + frame(b"(next)")) + b"r",
+    "drip": b"".join(piece(bytes([c])) + b"r" for c in init),
+    "prefix_split": piece(init[:2]) + b"r" + piece(init[2:]) + b"r",
+    "huge_length": filled_frame(0xFFFFFFFF, 16380, ord("a")) + filler(4000, ord("b")) + b"r",
+    "largest_whole": filled_frame(16380, 16380, ord("c")) + b"r",
+    "longer_than_buffer": filled_frame(20000, 8000, ord("d")) + filler(8000, ord("e"))
+    + filler(4000, ord("f")) + b"r",
+    "ended_inside_frame": piece(init[:8]) + b"xr",
+    "ended": piece(init) + b"xrr",
+}
+for name, data in comm.items():
+    write("comm_unit_fuzzer", name, data)
