@@ -20,6 +20,10 @@ constexpr std::size_t prefix_size = 4;
 // returned message is copied out before the next call.
 char receive_buffer[receive_size];
 char* const receive_end = receive_buffer + receive_size;
+// Whether the payload area still holds the last message handed out. A frame
+// dropped as incomplete overwrites it, and a failed read must not bring that
+// fragment back as if it were a message.
+bool buffer_holds_message = false;
 
 std::uint32_t big_endian(const char* bytes) {
     const auto* b = reinterpret_cast<const unsigned char*>(bytes);
@@ -134,11 +138,14 @@ std::string CommUnit::get_message() {
         return "";
     }
     if (first < 0) {
-        // The buffer still holds the previous message (zeros if none came).
-        return payload_text(receive_end);
+        // Not told apart from data: the previous message comes again.
+        return buffer_holds_message ? payload_text(receive_end) : std::string();
     }
     if (static_cast<std::size_t>(first) < prefix_size) {
         return ""; // closed, or the prefix is incomplete: those bytes are lost
+    }
+    if (static_cast<std::size_t>(first) > prefix_size) {
+        buffer_holds_message = false;
     }
 
     const std::uint32_t length = big_endian(receive_buffer);
@@ -159,6 +166,7 @@ std::string CommUnit::get_message() {
         }
         const std::size_t room = std::min<std::size_t>(
             receive_size - have, static_cast<std::size_t>(receive_end - position));
+        buffer_holds_message = false;
         const ssize_t more = ::recv(fd, position, room, MSG_DONTWAIT);
         if (more <= 0) {
             // Nothing more readable now, or the connection ended inside the
@@ -171,6 +179,7 @@ std::string CommUnit::get_message() {
     if (position < receive_end) {
         *position = '\0';
     }
+    buffer_holds_message = true;
     return payload_text(position);
 }
 
