@@ -1,0 +1,99 @@
+#include <orvo/core/architect.h>
+
+#include <support/open_fds.h>
+#include <support/scratch_dir.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string assemble_site =
+    "core/src/architect.cpp: In function 'assemble_framework' (line 33): ";
+const std::string open_site = "core/src/architect.cpp: In function 'construct' (line 165): ";
+const std::string factory_site = "core/src/architect.cpp: In function 'construct' (line 212): ";
+
+std::string file_head(const std::string& path, std::size_t bytes) {
+    std::ifstream file(path, std::ios::binary);
+    std::string head(bytes, '\0');
+    file.read(&head[0], static_cast<std::streamsize>(bytes));
+    head.resize(static_cast<std::size_t>(file.gcount()));
+    return head;
+}
+
+// Damaged plug-in files and hostile names in the configuration: the host gets
+// the Architect's own report, and nothing stays open or alive afterwards.
+//
+// A library value holding a slash makes the file name a relative path, so the
+// value "/junk" with the tag "cycles" opens ./lib/junk.cycles.so in the
+// working directory, where each test puts a file of its making.
+class BrokenPlugins : public ::testing::Test {
+protected:
+    void SetUp() override { fds_before = orvo_test::open_fds(); }
+    void TearDown() override { EXPECT_EQ(orvo_test::open_fds(), fds_before); }
+
+    void plant(const std::string& content) { dir.write("lib/junk.cycles.so", content); }
+
+    /// Assembles from the two lists and returns the host's report.
+    orvo::Exception assemble(const std::string& libraries, const std::string& classes) {
+        dir.write("config/libraries.cfg", libraries);
+        dir.write("config/classes.cfg", classes);
+        std::vector<std::string> args{"/opt/team/cycles"};
+        orvo::Architect architect(args);
+        orvo::Exception report("", "", "");
+        try {
+            architect.assemble_framework();
+            ADD_FAILURE() << "assembled";
+        } catch (const orvo::Exception& e) {
+            report = e;
+        }
+        architect.disassemble_framework();
+        return report;
+    }
+
+    void expect_open_failure(const std::string& libraries) {
+        const orvo::Exception report = assemble(libraries, "agent\n");
+        EXPECT_EQ(report.get_message(), "Failed to open shared library!");
+        EXPECT_EQ(report.get_source(), assemble_site + "\n--> " + open_site);
+    }
+
+    orvo_test::ScratchDir dir;
+    long fds_before = 0;
+};
+
+TEST_F(BrokenPlugins, DamagedLibraryFilesAreReportedAsUnopenable) {
+    const std::string real = file_head(CYCLER_PLUGIN, 1 << 24);
+    ASSERT_GT(real.size(), 64u);
+    // Only the ELF header survives: the loader refuses the file. A file cut
+    // further on is mapped as its headers describe and faults inside the
+    // loader itself, before the Architect could report anything.
+    for (const std::string& content :
+         {std::string(), std::string("not a library\n"), real.substr(0, 64)}) {
+        plant(content);
+        expect_open_failure("cycler\n/junk\n");
+    }
+    std::filesystem::remove(dir.path / "lib/junk.cycles.so");
+    std::filesystem::create_directories(dir.path / "lib/junk.cycles.so");
+    expect_open_failure("/junk\n");
+}
+
+TEST_F(BrokenPlugins, HostileLibraryNamesAreReportedAsUnopenable) {
+    expect_open_failure(std::string(5000, 'n') + "\n");
+    expect_open_failure("/../../../../../../etc/passwd\n");
+    expect_open_failure("\x01\x02\x7f\xff\n");
+}
+
+TEST_F(BrokenPlugins, HostileFactoryNamesCarryTheLoadersText) {
+    for (const std::string& name : {std::string(5000, 'f'), std::string("\x01\x7f\xff")}) {
+        // The components made before the failure are taken down again.
+        const orvo::Exception report = assemble("cycler\n", "ballast\nconfiguration\n" + name);
+        EXPECT_EQ(report.get_source(), assemble_site + "\n--> " + factory_site);
+        EXPECT_NE(report.get_message().find("create_"), std::string::npos) << report.get_message();
+    }
+}
+
+} // namespace
