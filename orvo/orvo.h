@@ -42,4 +42,23 @@
 #include <orvo/math/vector3.h>
 #include <orvo/math/vector3d.h>
 
+// knowledgebase
+#include <orvo/knowledgebase/actionlog.h>
+#include <orvo/knowledgebase/descriptors/descriptor.h>
+#include <orvo/knowledgebase/descriptors/descriptor_action.h>
+#include <orvo/knowledgebase/descriptors/descriptor_effector.h>
+#include <orvo/knowledgebase/descriptors/descriptor_skill.h>
+#include <orvo/knowledgebase/descriptors/property.h>
+#include <orvo/knowledgebase/extractors/extractor.h>
+#include <orvo/knowledgebase/extractors/extractor_action.h>
+#include <orvo/knowledgebase/injectors/injector.h>
+#include <orvo/knowledgebase/injectors/injector_action.h>
+#include <orvo/knowledgebase/injectors/injector_effector.h>
+#include <orvo/knowledgebase/injectors/injector_skill.h>
+#include <orvo/knowledgebase/knowledgebase_module.h>
+#include <orvo/knowledgebase/mappers/mapper.h>
+
+// skills
+#include <orvo/skills/skill.h>
+
 #endif

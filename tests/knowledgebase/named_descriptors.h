@@ -1,0 +1,80 @@
+#ifndef ORVO_TESTS_KNOWLEDGEBASE_NAMED_DESCRIPTORS_H
+#define ORVO_TESTS_KNOWLEDGEBASE_NAMED_DESCRIPTORS_H
+
+#include <orvo/knowledgebase/actionlog.h>
+#include <orvo/knowledgebase/descriptors/descriptor_effector.h>
+#include <orvo/knowledgebase/descriptors/descriptor_skill.h>
+#include <orvo/knowledgebase/extractors/extractor_action.h>
+#include <orvo/knowledgebase/injectors/injector_action.h>
+#include <orvo/knowledgebase/injectors/injector_effector.h>
+#include <orvo/knowledgebase/injectors/injector_skill.h>
+
+#include <boost/make_shared.hpp>
+#include <boost/shared_ptr.hpp>
+
+#include <string>
+
+namespace orvo_test {
+
+namespace kb = orvo::knowledgebase;
+namespace desc = orvo::knowledgebase::descriptors;
+
+/// The simplest concrete skill a plug-in could write: it prints its id.
+class NamedSkill : public desc::Descriptor_Skill {
+public:
+    explicit NamedSkill(const std::string& id) : Descriptor_Skill(id) {}
+    std::ostream& print(std::ostream& out) const override { return out << id; }
+};
+
+/// The simplest concrete effector: it prints its id.
+class NamedEffector : public desc::Descriptor_Effector {
+public:
+    NamedEffector(const std::string& id, const std::string& message = "", bool excluded = false)
+        : Descriptor_Effector(id, message, excluded) {}
+    std::ostream& print(std::ostream& out) const override { return out << id; }
+};
+
+inline boost::shared_ptr<desc::Descriptor_Skill> skill(const std::string& id) {
+    return boost::make_shared<NamedSkill>(id);
+}
+
+inline boost::shared_ptr<desc::Descriptor_Effector>
+effector(const std::string& id, const std::string& message = "", bool excluded = false) {
+    return boost::make_shared<NamedEffector>(id, message, excluded);
+}
+
+/// A log with its three injectors and the extractor, linked as the Architect
+/// would link them.
+struct LinkedLog {
+    kb::ActionLog log;
+    kb::injectors::Injector_Action inject_action;
+    kb::injectors::Injector_Skill inject_skill;
+    kb::injectors::Injector_Effector inject_effector;
+    kb::extractors::Extractor_Action extract;
+    orvo::Class_Map classes{{"actionlog", &log}};
+
+    LinkedLog() {
+        inject_action.link(classes);
+        inject_skill.link(classes);
+        inject_effector.link(classes);
+        extract.link(classes);
+    }
+
+    void add_skill(const std::string& id) {
+        auto described = skill(id);
+        inject_skill(described);
+    }
+    void add_effector(const std::string& id, const std::string& message = "") {
+        auto described = effector(id, message);
+        inject_effector(described);
+    }
+    /// The initiator of the entry at `time`, or "" when there is none.
+    std::string initiator_at(unsigned int time) const {
+        const auto entry = log.actions.find(time);
+        return entry == log.actions.end() ? "" : entry->second->get_initiator();
+    }
+};
+
+} // namespace orvo_test
+
+#endif
