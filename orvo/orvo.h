@@ -61,4 +61,7 @@
 // skills
 #include <orvo/skills/skill.h>
 
+// effectors
+#include <orvo/effectors/effector.h>
+
 #endif
