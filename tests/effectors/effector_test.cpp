@@ -83,15 +83,6 @@ TEST(Effector, AMissingInjectorIsReportedAfterTheMessengerWasFound) {
     EXPECT_EQ(head.get_effector_injector(), nullptr);
 }
 
-TEST(Effector, CollaboratorsOfAnotherClassLinkAsNull) {
-    kb::ActionLog log;
-    orvo::Class_Map classes{{"messenger", &log}, {"injector_effector", &log}};
-    Head head;
-    head.link(classes);
-    EXPECT_EQ(head.get_messenger(), nullptr);
-    EXPECT_EQ(head.get_effector_injector(), nullptr);
-}
-
 TEST(Effector, AnActionTravelsFromBehaviorThroughSkillAndEffectorIntoTheLog) {
     kb::ActionLog log;
     Messenger messenger;

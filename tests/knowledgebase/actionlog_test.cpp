@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <memory>
 #include <sstream>
 
 namespace {
@@ -52,13 +51,6 @@ TEST(ActionLog, NewLogIsNamedAndRendersItsEmptyState) {
     EXPECT_EQ(module.to_eval(), "");
 }
 
-TEST(ActionLog, FactoryCreatesTheRegisteredLog) {
-    std::unique_ptr<orvo::Constructable, void (*)(orvo::Constructable*)> created(create_actionlog(),
-                                                                                 destroy);
-    ASSERT_NE(dynamic_cast<ActionLog*>(created.get()), nullptr);
-    EXPECT_EQ(created->get_name(), "actionlog");
-}
-
 TEST(ActionLog, PrintsEveryEntryWithItsActionListing) {
     LinkedLog linked;
     linked.inject_action("approach_ball", 4, 100);
@@ -101,7 +93,6 @@ TEST(ActionLog, PrintsTimesUnsigned) {
     const unsigned int largest = std::numeric_limits<unsigned int>::max();
     linked.inject_action("late", largest, 1);
     EXPECT_EQ(printed(linked.log), header + bare_entry(largest, "late"));
-    EXPECT_NE(printed(linked.log).find("(4294967295)"), std::string::npos);
 }
 
 TEST(ActionLog, RendersTheFirstActionOfARepeatedTime) {

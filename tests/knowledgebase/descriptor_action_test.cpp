@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <vector>
 
 namespace {
 
@@ -143,29 +142,6 @@ TEST(DescriptorAction, RendersThroughPlugInOverrides) {
     EXPECT_EQ(action.to_eval(), "(action (initiator b)(skill_chain (loud kick))(effectors (loud "
                                 "say)))");
     EXPECT_EQ(action.get_effector_chain(), "(LOUD)");
-}
-
-/// Records the order in which descriptors are destroyed.
-std::vector<std::string> destroyed;
-class TracedSkill : public NamedSkill {
-public:
-    using NamedSkill::NamedSkill;
-    ~TracedSkill() override { destroyed.push_back("skill " + id); }
-};
-class TracedEffector : public NamedEffector {
-public:
-    using NamedEffector::NamedEffector;
-    ~TracedEffector() override { destroyed.push_back("effector " + id); }
-};
-
-TEST(DescriptorAction, ReleasesEffectorsBeforeSkills) {
-    destroyed.clear();
-    {
-        Descriptor_Action action("b");
-        action.add_skill(boost::make_shared<TracedSkill>("walk"));
-        action.add_effector(boost::make_shared<TracedEffector>("legs"));
-    }
-    EXPECT_EQ(destroyed, (std::vector<std::string>{"effector legs", "skill walk"}));
 }
 
 } // namespace

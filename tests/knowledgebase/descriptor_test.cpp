@@ -22,18 +22,6 @@ public:
     std::string to_eval() const override { return "(plain)"; }
 };
 
-TEST(Property, CopiesCloneTheValueAndIdsAreIndependentCopies) {
-    Property original("speed", std::string("fast"));
-    Property copy = original;
-    std::string id = original.get_id();
-    id += "!";
-    EXPECT_EQ(original.get_id(), "speed");
-    EXPECT_EQ(boost::any_cast<std::string>(copy.get_value()), "fast");
-    // The copy holds its own value, not a view of the original's.
-    EXPECT_NE(boost::any_cast<std::string>(&copy.get_value()),
-              boost::any_cast<std::string>(&original.get_value()));
-}
-
 TEST(Descriptor, NewDescriptorHasNoPropertyAndReportsTheMissingOne) {
     Plain plain;
     EXPECT_FALSE(plain.has_property(""));
@@ -92,17 +80,6 @@ TEST(SkillAndEffectorDescriptors, RenderTheirIdsOnly) {
     EXPECT_EQ(effector("say")->to_eval(), "(effector (id say))");
     EXPECT_EQ(effector("say", "(say hello)", true)->to_eval(), "(effector (id say))");
     EXPECT_EQ(effector("say", "(say hello)", false)->to_eval(), "(effector (id say))");
-}
-
-TEST(SkillAndEffectorDescriptors, KeepIdMessageAndFlagAsGiven) {
-    const auto legs = effector("legs", "(legs 1 2)\n", true);
-    EXPECT_EQ(legs->get_id(), "legs");
-    EXPECT_EQ(legs->get_message(), "(legs 1 2)\n");
-    EXPECT_TRUE(legs->is_excluded_from_chain());
-    const auto quiet = effector("head", "");
-    EXPECT_EQ(quiet->get_message(), "");
-    EXPECT_FALSE(quiet->is_excluded_from_chain());
-    EXPECT_EQ(skill("walk")->get_id(), "walk");
 }
 
 } // namespace

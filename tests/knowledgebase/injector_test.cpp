@@ -174,13 +174,14 @@ TEST(InjectorEffector, KeepsTheLatestInvocationOfAnEffector) {
     EXPECT_EQ(action->get_effector("legs"), second);
 }
 
-TEST(Injectors, AreCreatedByTheirFactoriesUnderTheirNames) {
+TEST(Components, AreCreatedByTheirFactoriesUnderTheirNames) {
     using Created = std::unique_ptr<orvo::Constructable, void (*)(orvo::Constructable*)>;
     const std::pair<orvo::Constructable* (*)(), const char*> factories[] = {
         {create_injector_action, "injector_action"},
         {create_injector_skill, "injector_skill"},
         {create_injector_effector, "injector_effector"},
-        {create_extractor_action, "extractor_action"}};
+        {create_extractor_action, "extractor_action"},
+        {create_actionlog, "actionlog"}};
     for (const auto& [factory, name] : factories) {
         Created created(factory(), destroy);
         EXPECT_EQ(created->get_name(), name);
@@ -213,14 +214,6 @@ TEST(Injectors, ReportAMissingLogFromTheirOwnLinkLocation) {
         "knowledgebase/injectors/src/injector_effector.cpp: In function 'link' (line 78): ");
     expect_link_failure<kb::extractors::Extractor_Action>(
         "knowledgebase/extractors/src/extractor_action.cpp: In function 'link' (line 62): ");
-}
-
-TEST(Injectors, ALogOfAnotherClassLinksAsNull) {
-    kb::injectors::Injector_Skill not_a_log;
-    orvo::Class_Map classes{{"actionlog", &not_a_log}};
-    kb::injectors::Injector_Skill skills;
-    skills.link(classes);
-    EXPECT_EQ(skills.get_action_log(), nullptr);
 }
 
 /// A plug-in mapper that records when it runs.

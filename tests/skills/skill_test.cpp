@@ -24,14 +24,6 @@ TEST(Skill, HoldsTheSkillInjectorItLinkedTo) {
     EXPECT_EQ(skill.get_skill_injector(), &injector);
 }
 
-TEST(Skill, AnInjectorOfAnotherClassLinksAsNull) {
-    Dribble skill;
-    ActionLog log;
-    orvo::Class_Map classes{{"injector_skill", &log}};
-    skill.link(classes);
-    EXPECT_EQ(skill.get_skill_injector(), nullptr);
-}
-
 TEST(Skill, ReportsAMissingInjectorFromItsLinkLocation) {
     Dribble skill;
     ActionLog log;
