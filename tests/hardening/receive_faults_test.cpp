@@ -4,7 +4,10 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdint>
+#include <iostream>
 #include <string>
 #include <unordered_map>
 #include <vector>
