@@ -30,11 +30,13 @@ std::string Injector_Effector::get_name() const {
 void Injector_Effector::operator()(boost::shared_ptr<descriptors::Descriptor_Effector>& effector) {
     const std::string& id = effector->get_id();
     descriptors::Descriptor_Action& action = *detail::current_action_of(action_log);
-    const auto recorded = action.effectors.find(id);
-    if (recorded != action.effectors.end()) {
-        recorded->second = effector;
+    // One descent finds both the entry to replace and the place of a new one.
+    auto& effectors = action.effectors;
+    const auto place = effectors.lower_bound(id);
+    if (place != effectors.end() && place->first == id) {
+        place->second = effector;
     } else {
-        action.add_effector(effector);
+        effectors.emplace_hint(place, id, effector);
     }
 }
 
