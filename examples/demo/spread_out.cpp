@@ -1,0 +1,35 @@
+#include "spread_out.h"
+
+#include "beam_to.h"
+#include "find_cell.h"
+#include "look_around.h"
+#include "world_model.h"
+
+#include <orvo/knowledgebase/injectors/injector_action.h>
+
+#include <cmath>
+
+namespace demo {
+
+void SpreadOut::link(orvo::Class_Map& classes) {
+    actions = orvo::get_class<orvo::knowledgebase::injectors::Injector_Action>(
+        *this, "injector_action", classes);
+    world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
+    find_cell = orvo::get_class<FindCell>(*this, "skill_find_cell", classes);
+    beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
+    look = orvo::get_class<LookAround>(*this, "skill_look", classes);
+}
+
+void SpreadOut::operator()() {
+    (*actions)(get_name(), world->time(), action_retention);
+    const orvo::math::Vector2d me(world->position());
+    const orvo::math::Vector2d centroid = (*find_cell)();
+    const orvo::math::Vector2d way(centroid.x - me.x, centroid.y - me.y);
+    if (std::hypot(way.x, way.y) > settled) {
+        const orvo::math::Vector2d part = step * way;
+        (*beam)(orvo::math::Vector2d(me.x + part.x, me.y + part.y));
+    }
+    (*look)();
+}
+
+} // namespace demo

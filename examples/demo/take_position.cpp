@@ -1,0 +1,41 @@
+#include "take_position.h"
+
+#include "beam_to.h"
+#include "world_model.h"
+
+#include <orvo/knowledgebase/injectors/injector_action.h>
+#include <orvo/math/random_number_generator.h>
+
+#include <gsl/gsl_rng.h>
+
+namespace demo {
+
+namespace {
+// Spots of the formation, by player number, in the team's frame.
+const orvo::math::Vector2d formation[] = {{-14, 0}, {-10, -5}, {-10, 5}, {-11, 0},
+                                          {-7, -8}, {-7, 8},   {-6, 0},  {-4, -4},
+                                          {-4, 4},  {-2, -7},  {-2, 7}};
+} // namespace
+
+void TakePosition::link(orvo::Class_Map& classes) {
+    actions = orvo::get_class<orvo::knowledgebase::injectors::Injector_Action>(
+        *this, "injector_action", classes);
+    random = orvo::get_class<orvo::math::Random_Number_Generator>(*this, "random_number_generator",
+                                                                  classes);
+    world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
+    beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
+}
+
+void TakePosition::operator()() {
+    (*actions)(get_name(), world->time(), action_retention);
+    const int count = sizeof formation / sizeof formation[0];
+    const auto& spot = formation[(world->number() - 1 + count) % count];
+    const auto shift = [this] {
+        return static_cast<float>((gsl_rng_uniform(random->rng.get()) * 2.0 - 1.0) * jitter);
+    };
+    const float dx = shift();
+    const float dy = shift();
+    (*beam)(orvo::math::Vector2d(spot.x + dx, spot.y + dy));
+}
+
+} // namespace demo

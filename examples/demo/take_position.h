@@ -1,0 +1,37 @@
+#ifndef ORVO_DEMO_TAKE_POSITION_H
+#define ORVO_DEMO_TAKE_POSITION_H
+
+#include <orvo/behaviors/behavior.h>
+
+namespace orvo::knowledgebase::injectors {
+class Injector_Action;
+}
+namespace orvo::math {
+class Random_Number_Generator;
+}
+
+namespace demo {
+
+class BeamTo;
+class WorldModel;
+
+/// "behavior_take_position": before kick-off, beams the player to its spot of
+/// the formation, a little off at random so that no two games look the same.
+class TakePosition : public orvo::behaviors::Behavior {
+public:
+    void link(orvo::Class_Map& classes) override;
+    std::string get_name() const override { return "behavior_take_position"; }
+    void operator()() override;
+
+    static constexpr float jitter = 1.0f; ///< metres, at most, in x and in y
+
+private:
+    orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
+    orvo::math::Random_Number_Generator* random = nullptr;
+    WorldModel* world = nullptr;
+    BeamTo* beam = nullptr;
+};
+
+} // namespace demo
+
+#endif

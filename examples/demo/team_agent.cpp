@@ -1,0 +1,141 @@
+#include "team_agent.h"
+
+#include "team_configuration.h"
+#include "world_model.h"
+
+#include <orvo/behaviors/behavior.h>
+#include <orvo/communication/messenger.h>
+#include <orvo/core/exception.h>
+#include <orvo/knowledgebase/actionlog.h>
+#include <orvo/net/comm_unit.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+namespace demo {
+
+namespace {
+constexpr const char* source_file = "demo/team_agent.cpp";
+constexpr int line_not_connected = 58;
+constexpr int line_silent_server = 75;
+
+std::string where(const char* function, int line) {
+    return orvo::gen_ffl_string(source_file, function, line);
+}
+} // namespace
+
+void TeamAgent::link(orvo::Class_Map& classes) {
+    messenger = orvo::get_class<orvo::communication::Messenger>(*this, "messenger", classes);
+    communit = orvo::get_class<orvo::net::CommUnit>(*this, "communit", classes);
+    configuration = orvo::get_class<TeamConfiguration>(*this, "configuration", classes);
+    world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
+    action_log = orvo::get_class<orvo::knowledgebase::ActionLog>(*this, "actionlog", classes);
+    take_position =
+        orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_take_position", classes);
+    spread_out = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_spread_out", classes);
+}
+
+void TeamAgent::run() {
+    const Settings& settings = configuration->settings;
+    if (!communit->is_connected()) {
+        throw orvo::Exception(where("run", line_not_connected),
+                              "cannot connect to the server at " + settings.host + ":" +
+                                  std::to_string(settings.port) + " (is it running?)",
+                              "Exception");
+    }
+    // Commands go out as several small frames per cycle; without this each
+    // would wait for the acknowledgement of the one before.
+    const int yes = 1;
+    setsockopt(communit->get_socket().getFD(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+
+    messenger->send_message("(scene rsg/agent/nao/nao.rsg)");
+    char init[96];
+    std::snprintf(init, sizeof init, "(init (unum %u)(teamname %s))", settings.unum,
+                  settings.team.c_str());
+    messenger->send_message(init);
+
+    // Enough for a whole real game without growing in the middle of it.
+    cycle_micros.reserve(settings.cycles != 0 && settings.cycles < 8192 ? settings.cycles : 8192);
+    while (settings.cycles == 0 || cycles < settings.cycles) {
+        if (!wait_for_server(static_cast<int>(settings.wait))) {
+            throw orvo::Exception(where("run", line_silent_server),
+                                  "no message from the server for " +
+                                      std::to_string(settings.wait) + " s",
+                                  "Exception");
+        }
+        if (!messenger->recieve_message()) {
+            if (server_closed()) {
+                break;
+            }
+            continue;
+        }
+        const auto received = std::chrono::steady_clock::now();
+        play(messenger->get_message());
+        cycle_micros.push_back(
+            std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - received)
+                .count());
+    }
+    report(std::cout);
+}
+
+void TeamAgent::play(const std::string& message) {
+    ++cycles;
+    if (!parser.parse(message, perception)) {
+        ++unreadable; // still answered, so that a synchronous server goes on
+    } else {
+        world->update(perception);
+        // Until the server has told the agent its number, it cannot take its place.
+        if (world->number() != 0) {
+            if (!world->has_beamed()) {
+                (*take_position)();
+            } else {
+                (*spread_out)();
+            }
+        }
+    }
+    world->drawings().execute();
+    messenger->send_message("(syn)");
+}
+
+bool TeamAgent::wait_for_server(int seconds) {
+    pollfd readable{communit->get_socket().getFD(), POLLIN, 0};
+    return poll(&readable, 1, seconds * 1000) > 0;
+}
+
+bool TeamAgent::server_closed() const {
+    char byte = 0;
+    return recv(communit->get_socket().getFD(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+}
+
+void TeamAgent::report(std::ostream& out) {
+    const Settings& settings = configuration->settings;
+    out << "agent " << world->number() << " of team " << settings.team << " ("
+        << (world->on_right_side() ? "right" : "left") << "): " << cycles << " cycles";
+    if (unreadable != 0) {
+        out << ", " << unreadable << " unreadable messages";
+    }
+    out << "\n\n";
+    action_log->print(out);
+    out << '\n';
+    if (action_log->current_action != action_log->actions.end()) {
+        out << "current action: " << action_log->to_eval() << '\n';
+    }
+    if (!cycle_micros.empty()) {
+        std::vector<double> sorted = cycle_micros;
+        std::sort(sorted.begin(), sorted.end());
+        char line[160];
+        std::snprintf(line, sizeof line,
+                      "processing time per cycle (receive to send): min %.0f us, median %.0f us, "
+                      "max %.0f us over %zu cycles\n",
+                      sorted.front(), sorted[sorted.size() / 2], sorted.back(), sorted.size());
+        out << line;
+    }
+    out.flush();
+}
+
+} // namespace demo

@@ -1,0 +1,64 @@
+#ifndef ORVO_DEMO_TEAM_AGENT_H
+#define ORVO_DEMO_TEAM_AGENT_H
+
+#include "perception.h"
+
+#include <orvo/core/agent.h>
+
+#include <chrono>
+#include <ostream>
+#include <vector>
+
+namespace orvo::behaviors {
+class Behavior;
+}
+namespace orvo::communication {
+class Messenger;
+}
+namespace orvo::knowledgebase {
+class ActionLog;
+}
+namespace orvo::net {
+class CommUnit;
+}
+
+namespace demo {
+
+class TeamConfiguration;
+class WorldModel;
+
+/// The "agent": greets the server, then plays one cycle per server message
+/// (read the perception, let a behavior act, send the drawings, end with
+/// "(syn)") until the server closes the connection or the configured number
+/// of cycles is reached; then reports what it did.
+class TeamAgent : public orvo::Agent {
+public:
+    void link(orvo::Class_Map& classes) override;
+    void run() override;
+
+    /// One cycle for one server message; public so that it can be timed alone.
+    void play(const std::string& message);
+    void report(std::ostream& out);
+
+private:
+    bool wait_for_server(int seconds);
+    bool server_closed() const;
+
+    orvo::communication::Messenger* messenger = nullptr;
+    orvo::net::CommUnit* communit = nullptr;
+    TeamConfiguration* configuration = nullptr;
+    WorldModel* world = nullptr;
+    orvo::knowledgebase::ActionLog* action_log = nullptr;
+    orvo::behaviors::Behavior* take_position = nullptr;
+    orvo::behaviors::Behavior* spread_out = nullptr;
+
+    PerceptionParser parser;
+    Perception perception;
+    unsigned cycles = 0;
+    unsigned unreadable = 0;
+    std::vector<double> cycle_micros; ///< receive to "(syn)" sent, per cycle
+};
+
+} // namespace demo
+
+#endif

@@ -1,0 +1,253 @@
+// The demo as a user runs it: the stand-in server and several host processes,
+// each assembling the demo plug-ins, play a bounded game on loopback.
+
+#include "child_process.h"
+
+#include <support/scratch_dir.h>
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+std::size_t count(const std::string& text, const std::string& what) {
+    std::size_t found = 0;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++found;
+    }
+    return found;
+}
+
+/// A loopback port that nothing listens on (bound, then released).
+unsigned closed_port() {
+    const int fd = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    socklen_t size = sizeof address;
+    getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
+    close(fd);
+    return ntohs(address.sin_port);
+}
+
+class DemoGame : public ::testing::Test {
+protected:
+    void SetUp() override {
+        fs::copy(DEMO_CONFIG_DIR, scratch.path / "config", fs::copy_options::recursive);
+        fs::create_symlink(ORVO_HOST, scratch.path / "demo");
+    }
+
+    void set(const std::string& key, const std::string& value) {
+        const auto file = scratch.path / "config" / "server.cfg";
+        std::ifstream in(file);
+        std::ostringstream out;
+        for (std::string line; std::getline(in, line);) {
+            out << (line.rfind(key + " ", 0) == 0 ? key + " " + value : line) << '\n';
+        }
+        in.close();
+        std::ofstream(file, std::ios::trunc) << out.str();
+    }
+
+    std::unique_ptr<orvo_test::ChildProcess> start_host(const std::string& name,
+                                                        const std::string& library_path) {
+        const std::string dir = scratch.path.string();
+        return std::make_unique<orvo_test::ChildProcess>(
+            std::vector<std::string>{dir + "/demo"}, dir, dir + "/" + name + ".out",
+            dir + "/" + name + ".err", std::vector<std::string>{"LD_LIBRARY_PATH=" + library_path});
+    }
+
+    /// Runs one host against nothing in particular; returns its exit status.
+    int run_alone(const std::string& library_path = DEMO_PLUGIN_DIR) {
+        auto host = start_host("alone", library_path);
+        const int status = host->wait_for(30s);
+        error = host->error_text();
+        return status;
+    }
+
+    orvo_test::ScratchDir scratch;
+    std::string error;
+};
+
+TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
+    constexpr int agents = 4;
+    constexpr int cycles = 40;
+    const std::string dir = scratch.path.string();
+    orvo_test::ChildProcess server({STANDIN_SERVER,
+                                    "--port",
+                                    "0",
+                                    "--drawing-port",
+                                    "0",
+                                    "--ports-file",
+                                    "ports",
+                                    "--agents",
+                                    std::to_string(agents),
+                                    "--cycles",
+                                    std::to_string(cycles),
+                                    "--sync",
+                                    "--start-timeout",
+                                    "20",
+                                    "--cycle-timeout",
+                                    "5",
+                                    "--log",
+                                    "log.txt",
+                                    "--svg",
+                                    "field.svg"},
+                                   dir, dir + "/server.out", dir + "/server.err");
+    ASSERT_TRUE(orvo_test::wait_for_file(dir + "/ports", 10s)) << server.error_text();
+    unsigned tcp = 0;
+    unsigned udp = 0;
+    std::ifstream(dir + "/ports") >> tcp >> udp;
+    set("port", std::to_string(tcp));
+    set("drawing_port", std::to_string(udp));
+
+    std::vector<std::unique_ptr<orvo_test::ChildProcess>> hosts;
+    for (int i = 0; i < agents; ++i) {
+        hosts.push_back(start_host("agent" + std::to_string(i), DEMO_PLUGIN_DIR));
+    }
+    ASSERT_EQ(server.wait_for(60s), 0) << server.error_text();
+    std::map<int, std::string> outputs; // by player number
+    for (auto& host : hosts) {
+        ASSERT_EQ(host->wait_for(20s), 0) << host->error_text();
+        EXPECT_EQ(host->error_text(), "");
+        const std::string output = host->output_text();
+        std::smatch number;
+        ASSERT_TRUE(std::regex_search(output, number, std::regex("^agent (\\d+) of team orvo")))
+            << output;
+        outputs[std::stoi(number[1])] = output;
+    }
+    ASSERT_EQ(outputs.size(), static_cast<std::size_t>(agents)); // every number given once
+
+    // Every agent answered every cycle.
+    const std::string summary = server.output_text();
+    EXPECT_EQ(count(summary, "     40       40 "), static_cast<std::size_t>(agents)) << summary;
+
+    // What the server received from each agent, in order, by player number.
+    std::map<int, std::vector<std::string>> received;
+    std::map<int, int> connection_of;
+    std::ifstream log(dir + "/log.txt");
+    std::map<int, std::vector<std::string>> by_connection;
+    for (std::string line; std::getline(log, line);) {
+        std::istringstream fields(line);
+        int connection = 0;
+        int unum = 0;
+        int cycle = 0;
+        fields >> connection >> unum >> cycle;
+        std::string message;
+        std::getline(fields >> std::ws, message);
+        by_connection[connection].push_back(message);
+        if (unum != 0) {
+            connection_of[unum] = connection;
+        }
+    }
+    for (const auto& [unum, output] : outputs) {
+        SCOPED_TRACE("player " + std::to_string(unum));
+        const auto& messages = by_connection[connection_of[unum]];
+        ASSERT_GE(messages.size(), 3u);
+        EXPECT_EQ(messages[0], "(scene rsg/agent/nao/nao.rsg)");
+        EXPECT_EQ(messages[1], "(init (unum 0)(teamname orvo))");
+        // One "(syn)" ends every cycle's answer; the effectors' commands come before it.
+        std::vector<std::string> commands;
+        int syns = 0;
+        for (std::size_t i = 2; i < messages.size(); ++i) {
+            if (messages[i] == "(syn)") {
+                ++syns;
+            } else {
+                commands.push_back(messages[i]);
+            }
+        }
+        EXPECT_EQ(syns, cycles);
+        EXPECT_EQ(messages.back(), "(syn)");
+        ASSERT_FALSE(commands.empty());
+        EXPECT_TRUE(std::regex_match(
+            commands.front(), std::regex("\\(beam -?\\d+\\.\\d\\d -?\\d+\\.\\d\\d 0\\.0\\)")))
+            << commands.front();
+
+        // The action log's effector records, oldest first, are the tail of
+        // what the server received, in the same order.
+        std::vector<std::string> recorded;
+        const std::regex effector("-> Effector \\(effector_(beam|head): (.*)\\)$");
+        std::istringstream lines(output);
+        for (std::string line; std::getline(lines, line);) {
+            std::smatch match;
+            if (std::regex_search(line, match, effector)) {
+                recorded.push_back(match[2]);
+            }
+        }
+        ASSERT_GE(recorded.size(), 10u) << output; // ten actions kept, a head command each
+        ASSERT_LE(recorded.size(), commands.size());
+        const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
+                                            commands.end());
+        EXPECT_EQ(recorded, tail);
+
+        // The log keeps the last ten cycles, all spreading out with their skills.
+        EXPECT_EQ(count(output, "[Descriptor_Action] Behavior(behavior_spread_out)"), 10u);
+        EXPECT_EQ(count(output, "-> Skill (skill_find_cell: 3 mates, area "), 10u) << output;
+        EXPECT_EQ(count(output, "-> Skill (skill_look: pan "), 10u);
+        EXPECT_NE(output.find("[i][Action Log]\n\n\t-> @Sim ("), std::string::npos) << output;
+        // The current action: find the cell, perhaps beam towards its centroid, look around.
+        EXPECT_TRUE(std::regex_search(
+            output, std::regex("current action: \\(log \\(action \\(initiator "
+                               "behavior_spread_out\\)\\(skill_chain \\(skill \\(id "
+                               "skill_find_cell\\)\\)( \\(skill \\(id skill_beam\\)\\))? "
+                               "\\(skill \\(id skill_look\\)\\)\\)\\(effectors( \\(effector "
+                               "\\(id effector_beam\\)\\))? \\(effector \\(id "
+                               "effector_head\\)\\)\\)\\)\\)\n")))
+            << output;
+        EXPECT_NE(output.find("processing time per cycle (receive to send): min "),
+                  std::string::npos);
+    }
+
+    // The picture shows every agent and its cell.
+    const std::string svg = orvo_test::ChildProcess::read(dir + "/field.svg");
+    EXPECT_EQ(count(svg, "class=\"cell\""), static_cast<std::size_t>(agents));
+    EXPECT_EQ(count(svg, "class=\"agent\""), static_cast<std::size_t>(agents));
+    EXPECT_EQ(count(svg, "class=\"point\""), static_cast<std::size_t>(agents));
+    EXPECT_EQ(count(svg, "class=\"line\""), static_cast<std::size_t>(agents));
+}
+
+TEST_F(DemoGame, AMissingPlugInStopsTheHostWithTheLoadersVerdict) {
+    EXPECT_EQ(run_alone("/nonexistent"), 1);
+    EXPECT_NE(error.find("Failed to open shared library!"), std::string::npos) << error;
+
+    std::ofstream(scratch.path / "config" / "classes.cfg", std::ios::app) << "skill_kick\n";
+    EXPECT_EQ(run_alone(), 1);
+    EXPECT_NE(error.find("undefined symbol: create_skill_kick"), std::string::npos) << error;
+}
+
+TEST_F(DemoGame, AMalformedSettingNamesFileAndLine) {
+    set("port", "31x0");
+    EXPECT_EQ(run_alone(), 1);
+    EXPECT_NE(error.find("config/server.cfg:4: port: '31x0' is not a port (1-65535)"),
+              std::string::npos)
+        << error;
+    EXPECT_NE(error.find("demo/settings.cpp: In function 'read_settings'"), std::string::npos);
+}
+
+TEST_F(DemoGame, AWrongPortIsReportedAsNoServer) {
+    const unsigned port = closed_port();
+    set("port", std::to_string(port));
+    EXPECT_EQ(run_alone(), 1);
+    EXPECT_NE(error.find("cannot connect to the server at localhost:" + std::to_string(port) +
+                         " (is it running?)"),
+              std::string::npos)
+        << error;
+}
+
+} // namespace
