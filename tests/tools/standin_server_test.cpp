@@ -223,6 +223,25 @@ TEST_F(StandinServer, BrokenFramesCloseOnlyTheOffendingAgent) {
         << server->output_text();
 }
 
+TEST_F(StandinServer, TheGameEndsEarlyWhenTheLastAgentLeaves) {
+    start({"--agents", "1", "--cycles", "1000", "--sync"});
+    {
+        Client leaving(tcp);
+        ASSERT_TRUE(leaving.connected);
+        for (int cycle = 0; cycle < 2; ++cycle) {
+            ASSERT_NE(leaving.receive(), "");
+            leaving.send_message("(syn)");
+        }
+        ASSERT_NE(leaving.receive(), "");
+    }
+    ASSERT_EQ(server->wait_for(10s), 0);
+    // The third perception was sent, so the third cycle counts as played.
+    EXPECT_NE(server->output_text().find("stand-in server: 3 cycles (0.06 s simulated)"),
+              std::string::npos)
+        << server->output_text();
+    EXPECT_NE(server->output_text().find("over 2 answers"), std::string::npos);
+}
+
 TEST(StandinServerOptions, BadOptionsAreRefusedWithAReason) {
     orvo_test::ScratchDir scratch;
     const std::string dir = scratch.path.string();

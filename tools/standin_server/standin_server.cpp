@@ -176,7 +176,7 @@ int StandinServer::run(std::ostream& messages) {
             write_picture(path);
         }
     }
-    cycle = std::min(cycle, options.cycles);
+    --cycle; // the loop stops one past the last cycle played
     finished = Clock::now();
     // The last answers (and the drawings sent before them) may still be on their way.
     if (!options.sync) {
