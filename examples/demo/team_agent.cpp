@@ -128,11 +128,12 @@ void TeamAgent::report(std::ostream& out) {
     if (!cycle_micros.empty()) {
         std::vector<double> sorted = cycle_micros;
         std::sort(sorted.begin(), sorted.end());
-        char line[160];
+        char line[192];
         std::snprintf(line, sizeof line,
                       "processing time per cycle (receive to send): min %.0f us, median %.0f us, "
-                      "max %.0f us over %zu cycles\n",
-                      sorted.front(), sorted[sorted.size() / 2], sorted.back(), sorted.size());
+                      "99%% %.0f us, max %.0f us over %zu cycles\n",
+                      sorted.front(), sorted[sorted.size() / 2], sorted[sorted.size() * 99 / 100],
+                      sorted.back(), sorted.size());
         out << line;
     }
     out.flush();
