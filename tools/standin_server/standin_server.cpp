@@ -26,6 +26,8 @@ constexpr unsigned players_per_team = 11;
 constexpr double cycle_seconds = 0.02;
 // A frame longer than this is not an agent speaking the protocol.
 constexpr std::uint32_t max_frame = 1u << 20;
+// An agent that stopped reading is let go once this much waits for it.
+constexpr std::size_t max_backlog = 1u << 20;
 constexpr double degrees_per_radian = 57.29577951308232;
 
 std::runtime_error system_error(const std::string& what) {
@@ -489,6 +491,10 @@ void StandinServer::send_perception(AgentLink& agent) {
     const auto length = static_cast<std::uint32_t>(message.size());
     const char prefix[4] = {static_cast<char>(length >> 24), static_cast<char>(length >> 16),
                             static_cast<char>(length >> 8), static_cast<char>(length)};
+    if (agent.output.size() > max_backlog) {
+        close_agent(agent);
+        return;
+    }
     agent.output.append(prefix, 4);
     agent.output += message;
     ++agent.cycles;
