@@ -5,9 +5,10 @@
 # cycles, and shows one agent's action log, the server's summary and the SVG
 # picture of the field.
 #
-#   scripts/demo.sh [--agents N] [--cycles N] [--sync] [--no-build]
+#   scripts/demo.sh [--agents N] [--teams N] [--cycles N] [--sync] [--no-build]
 #
-#   --agents N  agent processes (default 11, at most 11: one team)
+#   --agents N  agent processes per team (default 11, at most 11)
+#   --teams N   1 (default) or 2; the second team plays from the other half
 #   --cycles N  cycles to play (default 250: 5 s at 50 cycles per second)
 #   --sync      let the server step as soon as every agent has answered,
 #               instead of in real time; used to measure the agents
@@ -17,21 +18,26 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 
 agents=11
+teams=1
 cycles=250
 sync=()
 build=yes
 while [ $# -gt 0 ]; do
   case "$1" in
     --agents) agents=$2; shift 2 ;;
+    --teams) teams=$2; shift 2 ;;
     --cycles) cycles=$2; shift 2 ;;
     --sync) sync=(--sync); shift ;;
     --no-build) build=no; shift ;;
-    -h|--help) sed -n '2,16p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h|--help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "demo.sh: unknown argument $1 (see --help)" >&2; exit 2 ;;
   esac
 done
 if ! [[ $agents =~ ^[0-9]+$ ]] || [ "$agents" -lt 1 ] || [ "$agents" -gt 11 ]; then
   echo "demo.sh: --agents takes 1 to 11" >&2; exit 2
+fi
+if [ "$teams" != 1 ] && [ "$teams" != 2 ]; then
+  echo "demo.sh: --teams takes 1 or 2" >&2; exit 2
 fi
 if ! [[ $cycles =~ ^[0-9]+$ ]] || [ "$cycles" -lt 1 ]; then
   echo "demo.sh: --cycles takes a positive number" >&2; exit 2
@@ -54,12 +60,18 @@ for file in "$host" "$server" "$plugins/libdemo.demo.so"; do
 done
 
 # The run directory: the plug-in set's configuration and the host under the
-# tag name "demo", so that it opens libdemo.demo.so.
+# tag name "demo", so that it opens libdemo.demo.so. A second team gets a run
+# directory of its own inside it, with its own team name.
 run=$root/build/demo-run
 rm -rf "$run"
-mkdir -p "$run"
-cp -r examples/demo/config "$run/config"
-ln -s "$host" "$run/demo"
+team_dirs=("$run")
+[ "$teams" = 2 ] && team_dirs+=("$run/team2")
+for dir in "${team_dirs[@]}"; do
+  mkdir -p "$dir"
+  cp -r examples/demo/config "$dir/config"
+  ln -s "$host" "$dir/demo"
+done
+[ "$teams" = 2 ] && sed -i "s/^team .*/team rivals/" "$run/team2/config/server.cfg"
 
 pids=()
 cleanup() {
@@ -92,7 +104,7 @@ wait_for() {
 
 # Free ports are chosen by the server, so that the demo never collides with a
 # real server on 3100.
-"$server" --port 0 --drawing-port 0 --ports-file "$run/ports" --agents "$agents" \
+"$server" --port 0 --drawing-port 0 --ports-file "$run/ports" --agents $((agents * teams)) \
   --cycles "$cycles" "${sync[@]}" --start-timeout 20 --svg "$run/field.svg" \
   --log "$run/server-log.txt" > "$run/server-summary.txt" 2> "$run/server-messages.txt" &
 server_pid=$!
@@ -107,16 +119,21 @@ if [ ! -s "$run/ports" ]; then
   exit 1
 fi
 read -r tcp_port udp_port < "$run/ports"
-sed -i -e "s/^port .*/port $tcp_port/" -e "s/^drawing_port .*/drawing_port $udp_port/" \
-  "$run/config/server.cfg"
-
-echo "== $agents agents play $cycles cycles against the stand-in server on port $tcp_port"
+outputs=()
 agent_pids=()
-for number in $(seq "$agents"); do
-  (cd "$run" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
-    exec ./demo > "agent-$number.txt" 2>&1) &
-  agent_pids+=($!)
-  pids+=($!)
+for dir in "${team_dirs[@]}"; do
+  sed -i -e "s/^port .*/port $tcp_port/" -e "s/^drawing_port .*/drawing_port $udp_port/" \
+    "$dir/config/server.cfg"
+done
+echo "== $((agents * teams)) agents play $cycles cycles against the stand-in server on port $tcp_port"
+for dir in "${team_dirs[@]}"; do
+  for number in $(seq "$agents"); do
+    (cd "$dir" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
+      exec ./demo > "agent-$number.txt" 2>&1) &
+    agent_pids+=($!)
+    pids+=($!)
+    outputs+=("$dir/agent-$number.txt")
+  done
 done
 
 budget=$((cycles / 25 + 30))
@@ -127,8 +144,8 @@ for index in "${!agent_pids[@]}"; do
   status=0
   wait_for "${agent_pids[$index]}" 10 || status=$?
   if [ $status -ne 0 ]; then
-    echo "demo.sh: agent process $((index + 1)) ended with status $status:" >&2
-    tail -n 20 "$run/agent-$((index + 1)).txt" >&2
+    echo "demo.sh: agent process ${outputs[$index]%.txt} ended with status $status:" >&2
+    tail -n 20 "${outputs[$index]}" >&2
     failed=1
   fi
 done
@@ -147,7 +164,7 @@ echo "== one agent's output ($shown): its action log and current action"
 cat "$shown"
 echo
 echo "== processing time per cycle of every agent (receive to send)"
-grep -h "^processing time" "$run"/agent-*.txt || true
+grep -h "^processing time" "${outputs[@]}" || true
 echo
 echo "== the stand-in server's summary"
 cat "$run/server-summary.txt"
