@@ -56,6 +56,8 @@ public:
 private:
     void cut_by_bisector(const Vector2d& q, const Vector2d& p);
     void measure(const Vector2d& p);
+    /// A node of the spare list, made if there is none.
+    Corner_List::iterator spare_node();
 
     Vector2d site;
     float area;
@@ -63,6 +65,8 @@ private:
     Corner_List corners;
     Corner_List initial_corners;
     float radius;
+    // List nodes that cuts and resets have given up, kept for the next ones.
+    Corner_List spare;
 };
 
 /// Writes area, centroid and every corner, one per line.

@@ -152,6 +152,12 @@ TEST(VoronoiCell, LaterUpdatesAddTheirPointsToTheCut) {
 
         // After a reset the cell is built again from the stale radius alone.
         polygon.reset();
+        const Polygon::Corner_List initial = corners_of(field);
+        ASSERT_TRUE(std::equal(polygon.get_corners().begin(), polygon.get_corners().end(),
+                               initial.begin(), initial.end(), [](const auto& a, const auto& b) {
+                                   return a.first.x == b.first.x && a.first.y == b.first.y &&
+                                          a.second.x == b.second.x && a.second.y == b.second.y;
+                               }));
         polygon.update(all, p);
         expect_same_cell(polygon, clip(region_of(field), p, all), p);
     }

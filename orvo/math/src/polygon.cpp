@@ -19,8 +19,17 @@ constexpr int update_line = 78;
 using Corner = Polygon::Corner;
 using Corner_List = Polygon::Corner_List;
 
-Vector2d difference(const Vector2d& to, const Vector2d& from) {
-    return Vector2d(to.x - from.x, to.y - from.y);
+// Corners are updated field by field: the cut runs for every neighbour in
+// every cycle and needs no temporary vectors.
+void set_node(Corner& corner, float x, float y) {
+    corner.first.x = x;
+    corner.first.y = y;
+}
+
+// The edge from the corner's node to (x, y).
+void set_edge(Corner& corner, float x, float y) {
+    corner.second.x = x - corner.first.x;
+    corner.second.y = y - corner.first.y;
 }
 
 double squared_distance(const Vector2d& a, const Vector2d& b) {
@@ -36,7 +45,8 @@ bool same_corner(const Corner& a, const Corner& b) {
 
 // A point where the bisector crosses an edge, with the corner owning that edge.
 struct Crossing {
-    Vector2d point;
+    float x;
+    float y;
     Corner_List::iterator corner;
 };
 
@@ -56,14 +66,30 @@ void Polygon::set_corners(const Corner_List& corners) {
     }
 }
 
+Polygon::Corner_List::iterator Polygon::spare_node() {
+    if (spare.empty()) {
+        spare.emplace_back();
+    }
+    return spare.begin();
+}
+
 void Polygon::reset() {
     if (initial_corners.empty()) {
         throw LogicException(gen_ffl_string(source_file, "reset", reset_line),
                              "Reset not possible - no initial polygon existing!");
     }
-    // Assignment reuses the nodes the list already has, so resetting a cell
-    // over and over does not go back to the allocator.
-    corners = initial_corners;
+    // Cells are reset and cut every cycle; their list nodes are recycled
+    // through the spare list instead of going back to the allocator.
+    auto from = initial_corners.begin();
+    auto to = corners.begin();
+    for (; from != initial_corners.end() && to != corners.end(); ++from, ++to) {
+        *to = *from;
+    }
+    spare.splice(spare.end(), corners, to, corners.end());
+    for (; from != initial_corners.end(); ++from) {
+        corners.splice(corners.end(), spare, spare_node());
+        corners.back() = *from;
+    }
 }
 
 const Vector2d& Polygon::update(const std::vector<Vector2d>& points, const Vector2d& p) {
@@ -76,11 +102,15 @@ const Vector2d& Polygon::update(const std::vector<Vector2d>& points, const Vecto
     // twice that distance or more has its bisector outside the polygon. The
     // radius is deliberately the previous one: it is only refreshed below.
     const double reach = 2.0 * radius;
+    // Squares decide all but the points right at the reach without a root.
+    const double reach_squared = reach * reach;
+    const double clearly_in = reach_squared * (1.0 - 1e-9);
+    const double clearly_out = reach_squared * (1.0 + 1e-9);
     for (const Vector2d& q : points) {
-        if (!(reach > std::sqrt(squared_distance(q, site)))) {
-            continue;
+        const double d2 = squared_distance(q, site);
+        if (d2 < clearly_in || (!(d2 > clearly_out) && reach > std::sqrt(d2))) {
+            cut_by_bisector(q, site);
         }
-        cut_by_bisector(q, site);
     }
     measure(site);
     return centroid;
@@ -106,12 +136,17 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
         if (den == 0.0) {
             continue;
         }
-        const double t = ((mx - node.x) * ny - (my - node.y) * nx) / den;
+        const double num = (mx - node.x) * ny - (my - node.y) * nx;
+        // Most edges are missed by far; those need no division to tell.
+        if ((num > 0.0) != (den > 0.0) || num == 0.0 || std::fabs(num) > 2.0 * std::fabs(den)) {
+            continue;
+        }
+        const double t = num / den;
         if (t <= 0.0 || t > 1.0) {
             continue;
         }
-        crossings[found].point = Vector2d(static_cast<float>(node.x + t * edge.x),
-                                          static_cast<float>(node.y + t * edge.y));
+        crossings[found].x = static_cast<float>(node.x + t * edge.x);
+        crossings[found].y = static_cast<float>(node.y + t * edge.y);
         crossings[found].corner = it;
         ++found;
         if (t == 1.0 && !same_corner(*it, last)) {
@@ -133,7 +168,7 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
     const Corner_List::iterator keep = from.corner;
     const Corner_List::iterator drop = to.corner;
 
-    keep->second = difference(from.point, keep->first);
+    set_edge(*keep, from.x, from.y);
 
     // The new edge along the bisector follows `keep`. It takes over the first
     // corner the cut removes, if there is one, instead of a fresh node.
@@ -141,22 +176,26 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
     if (after == corners.end()) {
         after = corners.begin();
     }
-    const Corner chord(from.point, difference(to.point, from.point));
     if (after == drop) {
-        corners.insert(after, chord);
+        const Corner_List::iterator fresh = spare_node();
+        corners.splice(after, spare, fresh);
+        after = fresh;
     } else {
-        *after = chord;
         Corner_List::iterator it = std::next(after);
         if (it == corners.end()) {
             it = corners.begin();
         }
         while (it != drop) {
-            it = corners.erase(it);
+            const Corner_List::iterator next = std::next(it);
+            spare.splice(spare.end(), corners, it);
+            it = next;
             if (it == corners.end()) {
                 it = corners.begin();
             }
         }
     }
+    set_node(*after, from.x, from.y);
+    set_edge(*after, to.x, to.y);
 
     // `drop` lost its node to the cut; it becomes the edge from the second
     // crossing to the node that followed it, and the last corner of the list
@@ -166,8 +205,8 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
         follower = corners.begin();
         corners.splice(corners.begin(), corners, drop);
     }
-    drop->first = to.point;
-    drop->second = difference(follower->first, to.point);
+    set_node(*drop, to.x, to.y);
+    set_edge(*drop, follower->first.x, follower->first.y);
 }
 
 void Polygon::measure(const Vector2d& p) {
