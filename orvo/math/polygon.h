@@ -54,7 +54,8 @@ public:
     const Corner_List& get_corners() const { return corners; }
 
 private:
-    void cut_by_bisector(const Vector2d& q, const Vector2d& p);
+    /// `scale` bounds the magnitude of the node coordinates.
+    void cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale);
     void measure(const Vector2d& p);
     /// A node of the spare list, made if there is none.
     Corner_List::iterator spare_node();

@@ -162,3 +162,74 @@ TEST(VoronoiCell, LaterUpdatesAddTheirPointsToTheCut) {
         expect_same_cell(polygon, clip(region_of(field), p, all), p);
     }
 }
+
+TEST(VoronoiCell, AMovedSiteIsCompletedByASecondUpdate) {
+    const Box field{-15.0f, -10.0f, 15.0f, 10.0f};
+    std::mt19937 gen(31);
+    std::uniform_real_distribution<float> x(-15.0f, 15.0f);
+    std::uniform_real_distribution<float> y(-10.0f, 10.0f);
+    for (int trial = 0; trial < 200; ++trial) {
+        SCOPED_TRACE(trial);
+        std::vector<Vector2d> others(21);
+        for (Vector2d& q : others) {
+            q = Vector2d(x(gen), y(gen));
+        }
+        const Vector2d before(x(gen) * 0.9f, y(gen) * 0.9f);
+        const Vector2d after(x(gen) * 0.9f, y(gen) * 0.9f);
+        Polygon polygon(corners_of(field));
+        polygon.update(others, before);
+        polygon.update(others, before);
+        // The radius still belongs to the old site.
+        polygon.reset();
+        polygon.update(others, after);
+        polygon.update(others, after);
+        expect_same_cell(polygon, clip(region_of(field), after, others), after);
+    }
+}
+
+TEST(VoronoiCell, RepeatedBisectorsLeaveTheCellAlone) {
+    // A third update with the same arguments, and players listed twice, meet
+    // bisectors that already bound the cell: rounding must not cut it away.
+    const Box field{-15.0f, -10.0f, 15.0f, 10.0f};
+    std::mt19937 gen(77);
+    std::uniform_real_distribution<float> x(-15.0f, 15.0f);
+    std::uniform_real_distribution<float> y(-10.0f, 10.0f);
+    for (int trial = 0; trial < 500; ++trial) {
+        SCOPED_TRACE(trial);
+        std::vector<Vector2d> others(12);
+        for (Vector2d& q : others) {
+            q = Vector2d(x(gen), y(gen));
+        }
+        const Vector2d p(x(gen) * 0.9f, y(gen) * 0.9f);
+        const Region expected = clip(region_of(field), p, others);
+
+        Polygon polygon(corners_of(field));
+        polygon.update(others, p);
+        polygon.update(others, p);
+        polygon.update(others, p);
+        expect_same_cell(polygon, expected, p);
+
+        std::vector<Vector2d> twice(others);
+        twice.insert(twice.end(), others.begin(), others.end());
+        polygon.reset();
+        polygon.update(twice, p);
+        expect_same_cell(polygon, expected, p);
+    }
+}
+
+TEST(VoronoiCell, ABisectorGrazingANodeStillCuts) {
+    // The bisector of p and (-13.5856342, 1.66534615) passes an earlier
+    // corner of the cell 2.5e-8 away, which lies on neither adjacent edge
+    // when each edge is tested on its own.
+    const Box field{-15.0f, -10.0f, 15.0f, 10.0f};
+    const Vector2d p(-9.573843f, -3.01691198f);
+    const std::vector<Vector2d> others{
+        {0.492416382f, 0.0132732391f}, {-12.4856863f, 6.90040588f}, {-1.31088161f, -0.482992172f},
+        {-0.707559586f, 3.35558128f},  {14.4536247f, -8.8313036f},  {13.6909199f, 10.4742451f},
+        {3.27963257f, -3.92684269f},   {-13.5856342f, 1.66534615f}, {-8.84974575f, 0.00524520874f},
+        {2.88807106f, 10.8736134f},    {13.4291496f, -5.64817142f}};
+    Polygon polygon(corners_of(field));
+    polygon.update(others, p);
+    polygon.update(others, p);
+    expect_same_cell(polygon, clip(region_of(field), p, others), p);
+}

@@ -1,6 +1,7 @@
 #include <orvo/core/exception.h>
 #include <orvo/math/polygon.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <iterator>
@@ -15,6 +16,10 @@ namespace {
 constexpr const char* source_file = "math/src/polygon.cpp";
 constexpr int reset_line = 40;
 constexpr int update_line = 78;
+
+// How near to a bisector, relative to the largest coordinate, a node counts as
+// lying on it: some sixteen roundings of a single-precision coordinate.
+constexpr double on_line_tolerance = 1e-6;
 
 using Corner = Polygon::Corner;
 using Corner_List = Polygon::Corner_List;
@@ -106,23 +111,39 @@ const Vector2d& Polygon::update(const std::vector<Vector2d>& points, const Vecto
     const double reach_squared = reach * reach;
     const double clearly_in = reach_squared * (1.0 - 1e-9);
     const double clearly_out = reach_squared * (1.0 + 1e-9);
+    double scale = 1.0;
+    for (const Corner& corner : corners) {
+        scale = std::max({scale, std::fabs(static_cast<double>(corner.first.x)),
+                          std::fabs(static_cast<double>(corner.first.y))});
+    }
     for (const Vector2d& q : points) {
         const double d2 = squared_distance(q, site);
         if (d2 < clearly_in || (!(d2 > clearly_out) && reach > std::sqrt(d2))) {
-            cut_by_bisector(q, site);
+            cut_by_bisector(q, site, scale);
         }
     }
     measure(site);
     return centroid;
 }
 
-void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
+void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale) {
     const double dx = static_cast<double>(q.x) - p.x;
     const double dy = static_cast<double>(q.y) - p.y;
     const double mx = (static_cast<double>(q.x) + p.x) * 0.5;
     const double my = (static_cast<double>(q.y) + p.y) * 0.5;
-    const double nx = -dy;
-    const double ny = dx;
+
+    // How far a node lies on q's side of the bisector (scaled by |q - p|).
+    // Each node gets one answer, whichever of its two edges asks, so a
+    // bisector passing a node by a rounding error is found on exactly one
+    // side of it. Nodes closer than the rounding of single-precision nodes
+    // count as on the bisector: when a point is listed twice, or an update
+    // is repeated with the same points, the bisector runs along an edge it
+    // cut before, and it must find that edge parallel, not crossed at random.
+    const double on_line = on_line_tolerance * std::sqrt(dx * dx + dy * dy) * scale;
+    const auto offset = [&](const Vector2d& node) {
+        const double s = (node.x - mx) * dx + (node.y - my) * dy;
+        return std::fabs(s) <= on_line ? 0.0 : s;
+    };
 
     // A convex polygon meets a line in at most two edges. An edge owns its end
     // node but not its start node, so a line through a node is found once.
@@ -130,28 +151,27 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
     int found = 0;
     const Corner& last = corners.back();
     for (auto it = corners.begin(); it != corners.end() && found < 2; ++it) {
-        const Vector2d& node = it->first;
-        const Vector2d& edge = it->second;
-        const double den = edge.x * ny - edge.y * nx;
+        const auto next = std::next(it);
+        const double here = offset(it->first);
+        const double there = offset(next == corners.end() ? corners.front().first : next->first);
+        // These are the edge's and the start node's cross products with the
+        // bisector's direction, so t is the edge parameter of the crossing.
+        const double den = there - here;
         if (den == 0.0) {
             continue;
         }
-        const double num = (mx - node.x) * ny - (my - node.y) * nx;
-        // Most edges are missed by far; those need no division to tell.
-        if ((num > 0.0) != (den > 0.0) || num == 0.0 || std::fabs(num) > 2.0 * std::fabs(den)) {
-            continue;
-        }
-        const double t = num / den;
+        const double t = -here / den;
         if (t <= 0.0 || t > 1.0) {
             continue;
         }
+        const Vector2d& node = it->first;
+        const Vector2d& edge = it->second;
         crossings[found].x = static_cast<float>(node.x + t * edge.x);
         crossings[found].y = static_cast<float>(node.y + t * edge.y);
         crossings[found].corner = it;
         ++found;
         if (t == 1.0 && !same_corner(*it, last)) {
-            // The next edge starts at the node just found; rounding must not
-            // let it report that node a second time.
+            // The next edge starts at the node just found.
             ++it;
         }
     }
@@ -160,9 +180,10 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p) {
     }
 
     // Keep the chain on p's side: it starts at the corner whose node is
-    // nearer to p (a node equally far from both belongs to q's side).
-    const bool first_on_q_side = squared_distance(crossings[0].corner->first, q) <=
-                                 squared_distance(crossings[0].corner->first, p);
+    // nearer to p (a node equally far from both belongs to q's side). That
+    // node starts a crossed edge, so it is clear of the bisector.
+    const Vector2d& first_node = crossings[0].corner->first;
+    const bool first_on_q_side = squared_distance(first_node, q) <= squared_distance(first_node, p);
     const Crossing& from = crossings[first_on_q_side ? 1 : 0];
     const Crossing& to = crossings[first_on_q_side ? 0 : 1];
     const Corner_List::iterator keep = from.corner;
