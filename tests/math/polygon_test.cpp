@@ -206,6 +206,21 @@ TEST(Polygon, DegeneratePolygonsHaveZeroAreaAndAnUndividedCentroid) {
     EXPECT_EQ(bow_tie.get_centroid().y, 0.0f);
 }
 
+TEST(Polygon, NaNsAreIgnoredOrStayContained) {
+    Polygon polygon(square());
+    polygon.update(no_points, Vector2d(2, 2));
+    polygon.update({{std::nanf(""), 8}}, Vector2d(2, 2));
+    EXPECT_EQ(polygon.get_area(), 100.0f);
+
+    // A corrupt closing edge must not lead the scan past the end of the list.
+    auto corners = square();
+    corners.back().second.y = std::nanf("");
+    Polygon corrupt(corners);
+    corrupt.update(no_points, Vector2d(2, 2));
+    corrupt.update({{8, 8}}, Vector2d(2, 2));
+    EXPECT_LE(corrupt.get_corners().size(), 6u);
+}
+
 TEST(Polygon, DumpListsAreaCentroidAndCorners) {
     Polygon polygon(corners_of({{0, 10}, {10, 10}, {10, 0}, {0, 0}}));
     polygon.update(no_points, Vector2d(5, 5));

@@ -170,8 +170,9 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale
         crossings[found].y = static_cast<float>(node.y + t * edge.y);
         crossings[found].corner = it;
         ++found;
-        if (t == 1.0 && !same_corner(*it, last)) {
-            // The next edge starts at the node just found.
+        // The next edge starts at the node just found. (The end test only
+        // matters for a last corner holding a NaN, which equals nothing.)
+        if (t == 1.0 && !same_corner(*it, last) && next != corners.end()) {
             ++it;
         }
     }
