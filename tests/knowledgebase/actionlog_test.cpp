@@ -11,7 +11,6 @@
 namespace {
 
 using orvo::knowledgebase::ActionLog;
-using orvo::knowledgebase::KnowledgeBase_Module;
 using namespace orvo_test;
 
 const std::string header = "[i][Action Log]\n\n";
@@ -23,84 +22,81 @@ std::string printed(ActionLog& log) {
 }
 
 /// An entry line of an action with nothing added.
-std::string bare_entry(unsigned int time, const std::string& behavior) {
-    return "\t-> @Sim (" + std::to_string(time) + ") [Descriptor_Action] Behavior(" + behavior +
-           ")\n\n";
+std::string bare_entry(unsigned int time) {
+    return "\t-> @Sim (" + std::to_string(time) + ") [Descriptor_Action] Behavior(b" +
+           std::to_string(time) + ")\n\n";
 }
 
-class OnlyModule : public KnowledgeBase_Module {
-public:
-    void link(orvo::Class_Map&) override {}
-    std::string get_name() const override { return "only"; }
-};
-
-TEST(ActionLog, NewLogIsNamedAndRendersItsEmptyState) {
+TEST(ActionLog, NewLogAndBaseModuleRenderTheirEmptyState) {
     ActionLog log;
     EXPECT_EQ(log.get_name(), "actionlog");
     EXPECT_EQ(printed(log), header);
     EXPECT_EQ(log.to_eval(), "(log )");
-    EXPECT_EQ(log.start_time, 0u);
-    EXPECT_FALSE(log.flag);
     EXPECT_TRUE(log.current_action == log.actions.end());
     EXPECT_TRUE(log.previous_action == log.actions.end());
-
-    OnlyModule module;
+    struct OnlyModule : orvo::knowledgebase::KnowledgeBase_Module {
+        void link(orvo::Class_Map&) override {}
+        std::string get_name() const override { return "only"; }
+    } module;
     std::ostringstream out;
-    EXPECT_EQ(&module.print(out), &out);
-    EXPECT_EQ(out.str(), "");
+    EXPECT_EQ(module.print(out).tellp(), 0);
     EXPECT_EQ(module.to_eval(), "");
 }
 
-TEST(ActionLog, PrintsEveryEntryWithItsActionListing) {
+TEST(ActionLog, PrintsEveryEntryAndRendersTheCurrentOne) {
     LinkedLog linked;
     linked.inject_action("approach_ball", 4, 100);
     linked.add_skill("walk");
     linked.add_effector("legs");
-    linked.inject_action("kick", 9, 100);
+    linked.inject_action("b9", 9, 100);
     EXPECT_EQ(printed(linked.log), header +
                                        "\t-> @Sim (4) [Descriptor_Action] Behavior(approach_ball)\n"
                                        "\t-> Skill (walk))\n"
                                        "\t-> Effector (legs)\n"
                                        "\n" +
-                                       bare_entry(9, "kick"));
-    EXPECT_EQ(linked.log.to_eval(), "(log (action (initiator kick)(skill_chain)(effectors)))");
+                                       bare_entry(9));
+    EXPECT_EQ(linked.log.to_eval(), "(log (action (initiator b9)(skill_chain)(effectors)))");
 }
 
 TEST(ActionLog, ShowsTheTenNewestEntriesAndCountsTheSkippedOnes) {
     LinkedLog linked;
-    std::string ten;
-    for (unsigned int time = 1; time <= 10; ++time) {
+    std::string entries;
+    for (unsigned int time = 1; time <= 12; ++time) {
         linked.inject_action("b" + std::to_string(time), time, 100);
-        ten += bare_entry(time, "b" + std::to_string(time));
+        entries += bare_entry(time);
+        if (time == 10) {
+            EXPECT_EQ(printed(linked.log), header + entries);
+        }
     }
-    EXPECT_EQ(printed(linked.log), header + ten);
-
-    linked.inject_action("b11", 11, 100);
-    std::string shown;
-    for (unsigned int time = 2; time <= 11; ++time) {
-        shown += bare_entry(time, "b" + std::to_string(time));
-    }
-    EXPECT_EQ(printed(linked.log), header + "\t   ... Skipping (1) entries! \n\n" + shown);
-
-    linked.inject_action("b12", 12, 100);
-    const std::string twelve = printed(linked.log);
-    EXPECT_EQ(twelve.rfind(header + "\t   ... Skipping (2) entries! \n\n" + bare_entry(3, "b3"), 0),
-              0u);
+    EXPECT_EQ(printed(linked.log), header + "\t   ... Skipping (2) entries! \n\n" +
+                                       entries.substr(2 * bare_entry(1).size()));
 }
 
 TEST(ActionLog, PrintsTimesUnsigned) {
     LinkedLog linked;
     const unsigned int largest = std::numeric_limits<unsigned int>::max();
-    linked.inject_action("late", largest, 1);
-    EXPECT_EQ(printed(linked.log), header + bare_entry(largest, "late"));
+    linked.inject_action("b" + std::to_string(largest), largest, 1);
+    EXPECT_EQ(printed(linked.log), header + bare_entry(largest));
 }
 
-TEST(ActionLog, RendersTheFirstActionOfARepeatedTime) {
+TEST(ExtractorAction, AgesCountFromTheNewestEntryThatTrimmingLeft) {
     LinkedLog linked;
-    linked.inject_action("first", 7, 10);
-    linked.inject_action("second", 7, 10);
-    EXPECT_EQ(linked.log.actions.size(), 1u);
-    EXPECT_EQ(linked.log.to_eval(), "(log (action (initiator first)(skill_chain)(effectors)))");
+    EXPECT_EQ(linked.extract.get_name(), "extractor_action");
+    EXPECT_EQ(linked.extract(0), nullptr);
+    EXPECT_EQ(linked.extract(std::numeric_limits<unsigned int>::max()), nullptr);
+    for (unsigned int time = 1; time <= 9; ++time) {
+        linked.inject_action("b" + std::to_string(time), time * 2, 1000);
+    }
+    linked.inject_action("repeated", 18, 1000); // the first action of a time stays
+    for (unsigned int age = 0; age < 9; ++age) {
+        ASSERT_NE(linked.extract(age), nullptr) << age;
+        EXPECT_EQ(linked.extract(age)->get_initiator(), "b" + std::to_string(9 - age)) << age;
+    }
+    EXPECT_EQ(linked.extract(9), nullptr);
+    linked.inject_action("b10", 20, 5); // keeps 16..20
+    EXPECT_EQ(linked.extract(0)->get_initiator(), "b10");
+    EXPECT_EQ(linked.extract(2)->get_initiator(), "b8");
+    EXPECT_EQ(linked.extract(3), nullptr);
 }
 
 } // namespace

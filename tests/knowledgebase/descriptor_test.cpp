@@ -1,19 +1,29 @@
 #include "named_descriptors.h"
+#include "support/failure.h"
 
-#include <orvo/core/exception.h>
 #include <orvo/knowledgebase/descriptors/descriptor.h>
+#include <orvo/knowledgebase/descriptors/descriptor_action.h>
 #include <orvo/knowledgebase/descriptors/property.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using orvo::Property;
 using orvo::knowledgebase::descriptors::Descriptor;
+using orvo::knowledgebase::descriptors::Descriptor_Action;
 using namespace orvo_test;
+
+template <class Printable> std::string printed(const Printable& printable) {
+    std::ostringstream out;
+    EXPECT_EQ(&printable.print(out), &out);
+    return out.str();
+}
 
 /// A plug-in descriptor that falls back on the base text.
 class Plain : public Descriptor {
@@ -22,39 +32,20 @@ public:
     std::string to_eval() const override { return "(plain)"; }
 };
 
-TEST(Descriptor, NewDescriptorHasNoPropertyAndReportsTheMissingOne) {
+TEST(Descriptor, PropertiesAreFirstWinsExactAndByteOrdered) {
     Plain plain;
-    EXPECT_FALSE(plain.has_property(""));
-    EXPECT_FALSE(plain.has_property("speed"));
-    try {
-        plain.get_property("speed");
-        FAIL() << "no exception";
-    } catch (const orvo::DataUnavailableException& missing) {
-        EXPECT_EQ(missing.get_source(), "knowledgebase/descriptors/src/descriptor.cpp: In function "
-                                        "'get_property' (line 50): ");
-        EXPECT_EQ(missing.get_message(),
-                  "Tried to retrieve property for current descriptor which is not available");
-        EXPECT_EQ(missing.get_type(), "DataUnavailableException");
-    }
-}
-
-TEST(Descriptor, LookupIsExactAndTheFirstPropertyOfAnIdStays) {
-    Plain plain;
+    EXPECT_EQ(printed(plain), "No description available!");
+    EXPECT_EQ(failure<orvo::DataUnavailableException>([&] { plain.get_property("speed"); }),
+              "DataUnavailableException @ knowledgebase/descriptors/src/descriptor.cpp: In "
+              "function 'get_property' (line 50):  | Tried to retrieve property for current "
+              "descriptor which is not available");
     EXPECT_TRUE(plain.add_property(Property("speed", 3)));
     EXPECT_FALSE(plain.add_property(Property("speed", 4)));
-    EXPECT_TRUE(plain.has_property("speed"));
     for (const char* absent : {"Speed", "spee", "speed ", ""}) {
         EXPECT_FALSE(plain.has_property(absent)) << absent;
         EXPECT_THROW(plain.get_property(absent), orvo::DataUnavailableException) << absent;
     }
-    const Property& held = plain.get_property("speed");
-    EXPECT_EQ(boost::any_cast<int>(held.get_value()), 3);
-    EXPECT_EQ(&held, &plain.get_property("speed"));
-    EXPECT_EQ(plain.get_properties().size(), 1u);
-}
-
-TEST(Descriptor, PropertiesIterateInByteWiseIdOrder) {
-    Plain plain;
+    EXPECT_EQ(boost::any_cast<int>(plain.get_property("speed").get_value()), 3);
     for (const char* id : {"b", "a", "ab", "B"}) {
         plain.add_property(Property(id, 0));
     }
@@ -62,24 +53,96 @@ TEST(Descriptor, PropertiesIterateInByteWiseIdOrder) {
     for (const Property& property : plain.get_properties()) {
         ids.push_back(property.get_id());
     }
-    EXPECT_EQ(ids, (std::vector<std::string>{"B", "a", "ab", "b"}));
+    EXPECT_EQ(ids, (std::vector<std::string>{"B", "a", "ab", "b", "speed"}));
 }
 
-TEST(Descriptor, BaseTextIsExactlyTheNoDescriptionLine) {
-    Plain plain;
-    std::ostringstream out;
-    EXPECT_EQ(&plain.print(out), &out);
-    EXPECT_EQ(out.str(), "No description available!");
-    EXPECT_EQ(out.str().size(), 25u);
-}
-
-TEST(SkillAndEffectorDescriptors, RenderTheirIdsOnly) {
-    EXPECT_EQ(skill("kick")->to_eval(), "(skill (id kick))");
-    EXPECT_EQ(skill("")->to_eval(), "(skill (id ))");
+TEST(Descriptor, SkillsAndEffectorsRenderTheirIdsOnly) {
     EXPECT_EQ(skill("a b)")->to_eval(), "(skill (id a b)))");
-    EXPECT_EQ(effector("say")->to_eval(), "(effector (id say))");
     EXPECT_EQ(effector("say", "(say hello)", true)->to_eval(), "(effector (id say))");
-    EXPECT_EQ(effector("say", "(say hello)", false)->to_eval(), "(effector (id say))");
+}
+
+TEST(DescriptorAction, RendersTheApproachBallExample) {
+    Descriptor_Action action("approach_ball");
+    EXPECT_EQ(action.to_eval(), "(action (initiator approach_ball)(skill_chain)(effectors))");
+    EXPECT_EQ(printed(action), "[Descriptor_Action] Behavior(approach_ball)\n");
+    for (const char* id : {"walk", "turn", "walk"}) {
+        action.add_skill(skill(id));
+    }
+    action.add_effector(effector("legs"));
+    action.add_effector(effector("head"));
+    EXPECT_EQ(action.to_eval(),
+              "(action (initiator approach_ball)(skill_chain (skill (id walk)) (skill (id turn)) "
+              "(skill (id walk)))(effectors (effector (id head)) (effector (id legs))))");
+    EXPECT_EQ(printed(action), "[Descriptor_Action] Behavior(approach_ball)\n"
+                               "\t-> Skill (walk))\n"
+                               "\t-> Skill (turn))\n"
+                               "\t-> Skill (walk))\n"
+                               "\t-> Effector (head)\n"
+                               "\t-> Effector (legs)\n");
+}
+
+TEST(DescriptorAction, MissingSkillOrEffectorIsReported) {
+    const Descriptor_Action action("b");
+    const std::string at = "DataUnavailableException @ "
+                           "knowledgebase/descriptors/src/descriptor_action.cpp: In function ";
+    EXPECT_EQ(failure<orvo::DataUnavailableException>([&] { action.get_skill("walk"); }),
+              at + "'get_skill' (line 192):  | Tried to retrieve skill for current action that "
+                   "has not been used in skill chain yet!");
+    EXPECT_EQ(failure<orvo::DataUnavailableException>([&] { action.get_effector("legs"); }),
+              at + "'get_effector' (line 167):  | Tried to retrieve effector for current action "
+                   "that has not been invoked yet!");
+}
+
+TEST(DescriptorAction, GetSkillFindsTheFirstAndItsPositionWrapsAtEightBits) {
+    Descriptor_Action action("b");
+    const auto first_walk = skill("walk");
+    action.add_skill(first_walk);
+    action.add_skill(skill("kick"));
+    action.add_skill(skill("walk"));
+    EXPECT_EQ(action.get_skill("walk"), std::make_pair(std::uint8_t(0), first_walk));
+    EXPECT_EQ(action.get_skill("kick").first, 1);
+    EXPECT_THROW(action.get_skill("Walk"), orvo::DataUnavailableException);
+    for (int index = 3; index < 300; ++index) {
+        action.add_skill(skill(index == 260 || index == 290 ? "x" : "y"));
+    }
+    EXPECT_EQ(action.get_skill("x").first, 4);
+    EXPECT_EQ(action.get_skill_chain().size(), 300u);
+}
+
+TEST(DescriptorAction, AddEffectorKeepsTheFirstOfAnIdAndChainsIncludedMessagesById) {
+    Descriptor_Action action("b");
+    const auto first = effector("legs", "(first)");
+    action.add_effector(first);
+    action.add_effector(effector("legs", "(second)"));
+    action.add_effector(effector("head", "(head)"));
+    action.add_effector(effector("arms", "(arms)", true));
+    EXPECT_EQ(action.get_effector("legs"), first);
+    EXPECT_EQ(action.get_effectors().size(), 3u);
+    EXPECT_EQ(action.get_effector_chain(), "(head)(first)");
+    Descriptor_Action excluded("b");
+    excluded.add_effector(effector("a", "(a)", true));
+    EXPECT_EQ(excluded.get_effector_chain(), "");
+}
+
+/// Plug-in descriptors that change their renderings and message.
+struct LoudSkill : NamedSkill {
+    using NamedSkill::NamedSkill;
+    std::string to_eval() const override { return "(loud " + id + ")"; }
+};
+struct LoudEffector : NamedEffector {
+    using NamedEffector::NamedEffector;
+    std::string to_eval() const override { return "(loud " + id + ")"; }
+    const std::string& get_message() const override { return loud; }
+    std::string loud = "(LOUD)";
+};
+
+TEST(DescriptorAction, RendersThroughPlugInOverrides) {
+    Descriptor_Action action("b");
+    action.add_skill(boost::make_shared<LoudSkill>("kick"));
+    action.add_effector(boost::make_shared<LoudEffector>("say", "(quiet)"));
+    EXPECT_EQ(action.to_eval(), "(action (initiator b)(skill_chain (loud kick))(effectors (loud "
+                                "say)))");
+    EXPECT_EQ(action.get_effector_chain(), "(LOUD)");
 }
 
 } // namespace

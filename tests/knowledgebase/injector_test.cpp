@@ -1,4 +1,5 @@
 #include "named_descriptors.h"
+#include "support/failure.h"
 
 #include <orvo/knowledgebase/injectors/injector.h>
 #include <orvo/knowledgebase/mappers/mapper.h>
@@ -14,10 +15,10 @@ namespace {
 using orvo::knowledgebase::descriptors::Descriptor_Action;
 using namespace orvo_test;
 using Action = boost::shared_ptr<Descriptor_Action>;
+using Times = std::vector<unsigned int>;
 
 /// An action injector of a plug-in that records its stickiness calls.
-class StickyInjector : public kb::injectors::Injector_Action {
-public:
+struct StickyInjector : kb::injectors::Injector_Action {
     void apply_stickiness(Action previous, Action next) override {
         calls.emplace_back(std::move(previous), std::move(next));
     }
@@ -28,22 +29,23 @@ struct StickyLog : LinkedLog {
     StickyInjector sticky;
     StickyLog() { sticky.link(classes); }
     const Action& current() const { return log.current_action->second; }
+    bool marks_at(unsigned int previous, unsigned int current) const {
+        return log.previous_action == log.actions.find(previous) &&
+               log.current_action == log.actions.find(current);
+    }
+    Times times() const {
+        Times kept;
+        for (const auto& entry : log.actions) {
+            kept.push_back(entry.first);
+        }
+        return kept;
+    }
 };
-
-TEST(InjectorAction, FirstInjectionCreatesTheCurrentActionAndSetsTheStartTime) {
-    StickyLog linked;
-    linked.sticky("approach_ball", 42, 10);
-    ASSERT_EQ(linked.log.actions.size(), 1u);
-    EXPECT_TRUE(linked.log.previous_action == linked.log.actions.end());
-    ASSERT_TRUE(linked.log.current_action == linked.log.actions.find(42));
-    EXPECT_EQ(linked.current()->get_initiator(), "approach_ball");
-    EXPECT_EQ(linked.log.start_time, 42u);
-    EXPECT_TRUE(linked.sticky.calls.empty());
-}
 
 TEST(InjectorAction, StickinessFollowsOnlyAnActionWithEffectors) {
     StickyLog linked;
     linked.sticky("first", 1, 10);
+    EXPECT_TRUE(linked.marks_at(~0u, 1)); // no previous: find() gives the end
     linked.sticky("second", 2, 10);
     EXPECT_TRUE(linked.sticky.calls.empty());
 
@@ -54,7 +56,7 @@ TEST(InjectorAction, StickinessFollowsOnlyAnActionWithEffectors) {
     EXPECT_EQ(linked.sticky.calls[0].first, with_effector);
     EXPECT_EQ(linked.sticky.calls[0].second, linked.current());
     EXPECT_EQ(linked.current()->get_initiator(), "third");
-    EXPECT_TRUE(linked.log.previous_action == linked.log.actions.find(2));
+    EXPECT_TRUE(linked.marks_at(2, 3));
     EXPECT_EQ(linked.log.start_time, 1u);
 }
 
@@ -64,9 +66,9 @@ TEST(InjectorAction, FirstActionOfATimeStaysAndBothMarksMeetOnIt) {
     linked.add_effector("legs");
     const Action first = linked.current();
     linked.sticky("second", 5, 10);
-    ASSERT_EQ(linked.log.actions.size(), 1u);
+    EXPECT_EQ(linked.times(), Times{5});
     EXPECT_EQ(linked.current(), first);
-    EXPECT_TRUE(linked.log.previous_action == linked.log.current_action);
+    EXPECT_TRUE(linked.marks_at(5, 5));
     // The hook still saw the action that the log then dropped.
     ASSERT_EQ(linked.sticky.calls.size(), 1u);
     EXPECT_EQ(linked.sticky.calls[0].first, first);
@@ -74,39 +76,22 @@ TEST(InjectorAction, FirstActionOfATimeStaysAndBothMarksMeetOnIt) {
     EXPECT_EQ(linked.sticky.calls[0].second.use_count(), 1);
 }
 
-TEST(InjectorAction, ARetentionOfZeroKeepsOnlyTheNewestAction) {
-    LinkedLog linked;
-    for (unsigned int time = 1; time <= 5; ++time) {
-        linked.inject_action("b" + std::to_string(time), time, 0);
-        ASSERT_EQ(linked.log.actions.size(), 1u);
-        EXPECT_EQ(linked.initiator_at(time), "b" + std::to_string(time));
-    }
-}
-
 TEST(InjectorAction, TrimsToTheRetentionSpanUpToNow) {
-    LinkedLog linked;
+    StickyLog linked;
     for (unsigned int time = 1; time <= 9; ++time) {
         linked.inject_action("b", time, 100);
     }
     linked.inject_action("now", 10, 5);
-    std::vector<unsigned int> kept;
-    for (const auto& entry : linked.log.actions) {
-        kept.push_back(entry.first);
-    }
-    EXPECT_EQ(kept, (std::vector<unsigned int>{6, 7, 8, 9, 10}));
-}
-
-TEST(InjectorAction, AClockThatWentBackClearsNewerEntries) {
-    LinkedLog linked;
-    linked.inject_action("b", 6, 100);
-    linked.inject_action("b", 8, 100);
+    EXPECT_EQ(linked.times(), (Times{6, 7, 8, 9, 10}));
+    linked.inject_action("zero", 11, 0); // retention 0 keeps only the newest
+    EXPECT_EQ(linked.times(), Times{11});
+    // A clock that went back clears newer entries unless the retention spans the wrapped gap.
+    linked.inject_action("b", 13, 100);
     linked.inject_action("back", 3, 1000);
-    ASSERT_EQ(linked.log.actions.size(), 1u);
-    EXPECT_EQ(linked.initiator_at(3), "back");
-    // Only a retention beyond the wrapped gap keeps them.
+    EXPECT_EQ(linked.times(), Times{3});
     linked.inject_action("b", 9, 100);
     linked.inject_action("back", 4, 0xFFFFFFFFu);
-    EXPECT_EQ(linked.log.actions.size(), 3u);
+    EXPECT_EQ(linked.times(), (Times{3, 4, 9}));
 }
 
 TEST(InjectorAction, MarksOnTrimmedEntriesMoveToTheEnd) {
@@ -116,17 +101,14 @@ TEST(InjectorAction, MarksOnTrimmedEntriesMoveToTheEnd) {
     // Retention 1 erases the current entry before the new one is made.
     linked.sticky("second", 2, 1);
     EXPECT_TRUE(linked.sticky.calls.empty());
-    EXPECT_TRUE(linked.log.previous_action == linked.log.actions.end());
-    EXPECT_EQ(linked.current()->get_initiator(), "second");
+    EXPECT_TRUE(linked.marks_at(~0u, 2));
 
     linked.add_effector("legs");
     linked.sticky("third", 3, 2);
     ASSERT_EQ(linked.sticky.calls.size(), 1u);
     linked.sticky.resize_action_log(10, 1);
     EXPECT_TRUE(linked.log.actions.empty());
-    EXPECT_TRUE(linked.log.current_action == linked.log.actions.end());
-    EXPECT_TRUE(linked.log.previous_action == linked.log.actions.end());
-    EXPECT_EQ(linked.log.to_eval(), "(log )");
+    EXPECT_TRUE(linked.marks_at(~0u, ~0u));
 }
 
 TEST(InjectorAction, EachInstanceSetsTheStartTimeOnItsOwnFirstInjection) {
@@ -137,35 +119,29 @@ TEST(InjectorAction, EachInstanceSetsTheStartTimeOnItsOwnFirstInjection) {
     kb::injectors::Injector_Action second;
     second.link(linked.classes);
     second("b", 7, 100);
-    EXPECT_EQ(linked.log.start_time, 7u);
     linked.inject_action("b", 8, 100);
     second("b", 9, 100);
     EXPECT_EQ(linked.log.start_time, 7u);
 }
 
-TEST(InjectorSkill, AppendsEverySkillCallToTheCurrentAction) {
+TEST(InjectorSkillAndEffector, AppendEverySkillAndReplaceAnEffectorsInvocation) {
     LinkedLog linked;
     linked.inject_action("b", 1, 10);
     linked.add_skill("walk");
     linked.inject_action("c", 2, 10);
-    linked.add_skill("walk");
-    linked.add_skill("turn");
-    linked.add_skill("walk");
-    EXPECT_EQ(linked.log.to_eval(), "(log (action (initiator c)(skill_chain (skill (id walk)) "
-                                    "(skill (id turn)) (skill (id walk)))(effectors)))");
-    EXPECT_EQ(linked.log.actions.at(1)->get_skill_chain().size(), 1u);
-}
-
-TEST(InjectorEffector, KeepsTheLatestInvocationOfAnEffector) {
-    LinkedLog linked;
-    linked.inject_action("b", 1, 10);
+    for (const char* id : {"walk", "turn", "walk"}) {
+        linked.add_skill(id);
+    }
     auto first = effector("legs", "(first)");
     auto second = effector("legs", "(second)");
     linked.inject_effector(first);
     linked.inject_effector(second);
     linked.add_effector("head", "(head)");
+    EXPECT_EQ(linked.log.to_eval(), "(log (action (initiator c)(skill_chain (skill (id walk)) "
+                                    "(skill (id turn)) (skill (id walk)))(effectors (effector (id "
+                                    "head)) (effector (id legs)))))");
+    EXPECT_EQ(linked.log.actions.at(1)->get_skill_chain().size(), 1u);
     const Action& action = linked.log.current_action->second;
-    EXPECT_EQ(action->get_effectors().size(), 2u);
     EXPECT_EQ(action->get_effector("legs"), second);
     EXPECT_EQ(first.use_count(), 1);
     EXPECT_EQ(action->get_effector_chain(), "(head)(second)");
@@ -190,48 +166,37 @@ TEST(Components, AreCreatedByTheirFactoriesUnderTheirNames) {
     EXPECT_NE(dynamic_cast<kb::injectors::Injector_Action*>(action.get()), nullptr);
 }
 
-template <class Component> void expect_link_failure(const std::string& location) {
+template <class Component> void expect_link_failure(const std::string& file, int line) {
     Component component;
     orvo::Class_Map classes;
-    try {
-        component.link(classes);
-        FAIL() << "no exception";
-    } catch (const orvo::LinkException& missing) {
-        EXPECT_EQ(missing.get_source(), location);
-        EXPECT_EQ(missing.get_message(), "Error while linking <" + component.get_name() +
-                                             ">\n\t-> class <actionlog> not found");
-        EXPECT_EQ(missing.get_type(), "LinkException");
-    }
+    EXPECT_EQ(failure<orvo::LinkException>([&] { component.link(classes); }),
+              "LinkException @ knowledgebase/" + file + ": In function 'link' (line " +
+                  std::to_string(line) + "):  | Error while linking <" + component.get_name() +
+                  ">\n\t-> class <actionlog> not found");
     EXPECT_EQ(component.get_action_log(), nullptr);
 }
 
 TEST(Injectors, ReportAMissingLogFromTheirOwnLinkLocation) {
-    expect_link_failure<kb::injectors::Injector_Action>(
-        "knowledgebase/injectors/src/injector_action.cpp: In function 'link' (line 101): ");
-    expect_link_failure<kb::injectors::Injector_Skill>(
-        "knowledgebase/injectors/src/injector_skill.cpp: In function 'link' (line 45): ");
-    expect_link_failure<kb::injectors::Injector_Effector>(
-        "knowledgebase/injectors/src/injector_effector.cpp: In function 'link' (line 78): ");
-    expect_link_failure<kb::extractors::Extractor_Action>(
-        "knowledgebase/extractors/src/extractor_action.cpp: In function 'link' (line 62): ");
+    expect_link_failure<kb::injectors::Injector_Action>("injectors/src/injector_action.cpp", 101);
+    expect_link_failure<kb::injectors::Injector_Skill>("injectors/src/injector_skill.cpp", 45);
+    expect_link_failure<kb::injectors::Injector_Effector>("injectors/src/injector_effector.cpp",
+                                                          78);
+    expect_link_failure<kb::extractors::Extractor_Action>("extractors/src/extractor_action.cpp",
+                                                          62);
 }
 
 /// A plug-in mapper that records when it runs.
-class RecordingMapper : public kb::mappers::Mapper {
-public:
+struct RecordingMapper : kb::mappers::Mapper {
     RecordingMapper(std::vector<int>& runs, int tag) : runs(runs), tag(tag) {}
     void link(orvo::Class_Map&) override {}
     std::string get_name() const override { return "recording_mapper"; }
     void operator()() override { runs.push_back(tag); }
-
-private:
     std::vector<int>& runs;
     int tag;
 };
 
-class MappingInjector : public kb::injectors::Injector_Skill {
-public:
-    void add(kb::mappers::Mapper& mapper) { mappers.push_back(&mapper); }
+struct MappingInjector : kb::injectors::Injector_Skill {
+    using Injector_Skill::mappers;
 };
 
 TEST(Injectors, InvokeTheirMappersInListOrder) {
@@ -240,10 +205,7 @@ TEST(Injectors, InvokeTheirMappersInListOrder) {
     RecordingMapper second(runs, 2);
     MappingInjector injector;
     injector.invoke_mappers();
-    EXPECT_TRUE(runs.empty());
-    injector.add(second);
-    injector.add(first);
-    injector.add(second);
+    injector.mappers = {&second, &first, &second};
     injector.invoke_mappers();
     EXPECT_EQ(runs, (std::vector<int>{2, 1, 2}));
 }

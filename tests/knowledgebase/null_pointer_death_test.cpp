@@ -14,15 +14,14 @@ namespace {
 
 using orvo::knowledgebase::descriptors::Descriptor_Action;
 using orvo::knowledgebase::descriptors::Descriptor_Effector;
-using orvo::knowledgebase::descriptors::Descriptor_Skill;
 using namespace orvo_test;
 
 constexpr const char* assertion = "px != 0";
 
-TEST(NullPointerDeathTest, ActionWalksStopOnANullSkill) {
+TEST(NullPointerDeathTest, ActionWalksStopOnANullSkillOrEffector) {
     Descriptor_Action action("b");
     action.add_skill(skill("walk"));
-    action.add_skill(boost::shared_ptr<Descriptor_Skill>());
+    action.add_skill(boost::shared_ptr<orvo::knowledgebase::descriptors::Descriptor_Skill>());
     // Storing it was fine; anything that reaches it stops.
     EXPECT_EQ(action.get_skill("walk").first, 0);
     EXPECT_DEATH(action.has_skill("kick"), assertion);
@@ -30,36 +29,25 @@ TEST(NullPointerDeathTest, ActionWalksStopOnANullSkill) {
     EXPECT_DEATH(action.to_eval(), assertion);
     std::ostringstream out;
     EXPECT_DEATH(action.print(out), assertion);
-}
-
-TEST(NullPointerDeathTest, AddingANullEffectorStops) {
-    Descriptor_Action action("b");
     EXPECT_DEATH(action.add_effector(boost::shared_ptr<Descriptor_Effector>()), assertion);
 }
 
-TEST(NullPointerDeathTest, LogStopsOnANullCurrentAction) {
+TEST(NullPointerDeathTest, LogStopsOnAMissingOrNullCurrentAction) {
     LinkedLog linked;
+    EXPECT_DEATH(linked.add_skill("walk"), assertion);
+    EXPECT_DEATH(linked.add_effector("legs"), assertion);
     linked.log.actions.emplace(1, boost::shared_ptr<Descriptor_Action>());
     linked.log.current_action = linked.log.actions.begin();
     EXPECT_DEATH(linked.log.to_eval(), assertion);
     std::ostringstream out;
     EXPECT_DEATH(linked.log.print(out), assertion);
     EXPECT_DEATH(linked.add_skill("walk"), assertion);
-    EXPECT_DEATH(linked.add_effector("legs"), assertion);
     EXPECT_DEATH(linked.inject_action("b", 2, 10), assertion);
-}
 
-TEST(NullPointerDeathTest, SkillsAndEffectorsNeedACurrentAction) {
-    LinkedLog linked;
-    EXPECT_DEATH(linked.add_skill("walk"), assertion);
-    EXPECT_DEATH(linked.add_effector("legs"), assertion);
-}
-
-TEST(NullPointerDeathTest, InjectingANullEffectorStops) {
-    LinkedLog linked;
-    linked.inject_action("b", 1, 10);
+    LinkedLog valid;
+    valid.inject_action("b", 1, 10);
     boost::shared_ptr<Descriptor_Effector> none;
-    EXPECT_DEATH(linked.inject_effector(none), assertion);
+    EXPECT_DEATH(valid.inject_effector(none), assertion);
 }
 
 } // namespace
