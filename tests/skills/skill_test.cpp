@@ -2,41 +2,28 @@
 #include <orvo/knowledgebase/injectors/injector_skill.h>
 #include <orvo/skills/skill.h>
 
+#include "support/failure.h"
+
 #include <gtest/gtest.h>
 
 namespace {
 
-using orvo::knowledgebase::ActionLog;
-using orvo::knowledgebase::injectors::Injector_Skill;
-
-class Dribble : public orvo::skills::Skill {
-public:
+struct Dribble : orvo::skills::Skill {
     std::string get_name() const override { return "dribble"; }
 };
 
-TEST(Skill, HoldsTheSkillInjectorItLinkedTo) {
+TEST(Skill, LinksToTheSkillInjectorByItsExactName) {
     Dribble skill;
+    orvo::knowledgebase::ActionLog log;
+    orvo::Class_Map classes{{"actionlog", &log}, {"Injector_Skill", &log}};
+    EXPECT_EQ(orvo_test::failure<orvo::LinkException>([&] { skill.link(classes); }),
+              "LinkException @ skills/src/skill.cpp: In function 'link' (line 39):  | Error while "
+              "linking <dribble>\n\t-> class <injector_skill> not found");
     EXPECT_EQ(skill.get_skill_injector(), nullptr);
-    Injector_Skill injector;
-    ActionLog log;
-    orvo::Class_Map classes{{"injector_skill", &injector}, {"actionlog", &log}};
+    orvo::knowledgebase::injectors::Injector_Skill injector;
+    classes["injector_skill"] = &injector;
     skill.link(classes);
     EXPECT_EQ(skill.get_skill_injector(), &injector);
-}
-
-TEST(Skill, ReportsAMissingInjectorFromItsLinkLocation) {
-    Dribble skill;
-    ActionLog log;
-    orvo::Class_Map classes{{"actionlog", &log}, {"Injector_Skill", &log}};
-    try {
-        skill.link(classes);
-        FAIL() << "no exception";
-    } catch (const orvo::LinkException& missing) {
-        EXPECT_EQ(missing.get_source(), "skills/src/skill.cpp: In function 'link' (line 39): ");
-        EXPECT_EQ(missing.get_message(),
-                  "Error while linking <dribble>\n\t-> class <injector_skill> not found");
-        EXPECT_EQ(missing.get_type(), "LinkException");
-    }
 }
 
 } // namespace
