@@ -1,6 +1,6 @@
 #include <orvo/debug/debug_drawings.h>
 
-#include <net/loopback.h>
+#include <support/loopback.h>
 
 #include <gtest/gtest.h>
 

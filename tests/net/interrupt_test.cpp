@@ -1,17 +1,14 @@
 // The retry rules of checked sends and receives, proven on calls that a real
 // signal interrupts: the handler is installed without SA_RESTART, so a blocked
 // call comes back with EINTR, and a per-thread timer keeps interrupting it.
-#include "loopback.h"
-
 #include <orvo/net/tcp_socket.h>
 #include <orvo/net/udp_socket.h>
 
+#include <support/loopback.h>
+
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
-#include <netinet/in.h>
 #include <signal.h>
-#include <sys/socket.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -22,7 +19,6 @@
 using orvo::net::Addr;
 using orvo::net::Socket;
 using orvo::net::UDPSocket;
-using orvo_test::loopback;
 
 namespace {
 
@@ -36,14 +32,11 @@ char sink[65536];
 
 void on_alarm(int) {
     const int saved = errno;
-    ++interruptions;
-    if (interruptions >= 3) {
+    if (++interruptions >= 3) {
         if (wake_fd >= 0) {
             sendto(wake_fd, "w", 1, 0, reinterpret_cast<const sockaddr*>(&wake_to), sizeof wake_to);
         }
-        if (drain_fd >= 0) {
-            while (read(drain_fd, sink, sizeof sink) > 0) {
-            }
+        while (drain_fd >= 0 && read(drain_fd, sink, sizeof sink) > 0) {
         }
     }
     errno = saved;
@@ -59,7 +52,6 @@ public:
         sigemptyset(&action.sa_mask);
         action.sa_flags = 0; // no SA_RESTART: blocked calls return EINTR
         EXPECT_EQ(sigaction(SIGALRM, &action, &previous), 0);
-
         sigevent event{};
         event.sigev_notify = SIGEV_THREAD_ID;
         event.sigev_signo = SIGALRM;
@@ -71,8 +63,7 @@ public:
     ~Interrupter() {
         timer_delete(timer);
         sigaction(SIGALRM, &previous, nullptr);
-        wake_fd = -1;
-        drain_fd = -1;
+        wake_fd = drain_fd = -1;
     }
     Interrupter(const Interrupter&) = delete;
     Interrupter& operator=(const Interrupter&) = delete;
@@ -82,73 +73,65 @@ private:
     timer_t timer{};
 };
 
-using InterruptTest = orvo_test::NoDescriptorLeak;
-
-/// Queues data on `pair.client` until its send buffer is full, so that a
-/// blocking send waits.
-void fill(orvo_test::TcpPair& pair) {
-    const int small = 4096;
-    setsockopt(pair.client->getFD(), SOL_SOCKET, SO_SNDBUF, &small, sizeof small);
-    setsockopt(pair.server->getFD(), SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
-    pair.client->setNonBlocking(true);
-    static const char chunk[4096] = {};
-    int rounds = 0;
-    while (pair.client->send(chunk, sizeof chunk, 0, Socket::DONT_CHECK) > 0 && ++rounds < 10000) {
+/// A connection whose client side has a full send buffer, so a blocking send waits.
+struct FullPair : orvo_test::TcpPair {
+    FullPair() {
+        const int small = 4096;
+        setsockopt(client->getFD(), SOL_SOCKET, SO_SNDBUF, &small, sizeof small);
+        setsockopt(server->getFD(), SOL_SOCKET, SO_RCVBUF, &small, sizeof small);
+        client->setNonBlocking(true);
+        static const char chunk[4096] = {};
+        for (int rounds = 0; rounds < 10000; ++rounds) {
+            if (client->send(chunk, sizeof chunk, 0, Socket::DONT_CHECK) <= 0) {
+                break;
+            }
+        }
+        EXPECT_EQ(errno, EAGAIN);
+        client->setNonBlocking(false);
     }
-    ASSERT_EQ(errno, EAGAIN);
-    pair.client->setNonBlocking(false);
-}
+};
+
+using InterruptTest = orvo_test::NoDescriptorLeak;
 
 } // namespace
 
-TEST_F(InterruptTest, UncheckedReceiveReturnsEintr) {
-    UDPSocket socket(Addr(0, loopback));
+TEST_F(InterruptTest, UncheckedCallsReturnEintr) {
+    UDPSocket socket(Addr(0, orvo_test::loopback));
     orvo_test::bound_waits(socket.getFD());
+    FullPair pair;
     char buffer[4];
     Addr from;
     Interrupter interrupter;
-    errno = 0;
-    EXPECT_EQ(socket.recv(buffer, sizeof buffer, 0, Socket::DONT_CHECK), -1);
-    EXPECT_EQ(errno, EINTR);
-    errno = 0;
-    EXPECT_EQ(socket.recv(buffer, sizeof buffer, from, 0, Socket::DONT_CHECK), -1);
-    EXPECT_EQ(errno, EINTR);
+    for (int call = 0; call < 3; ++call) {
+        errno = 0;
+        const int result = call == 0 ? socket.recv(buffer, sizeof buffer, 0, Socket::DONT_CHECK)
+                           : call == 1
+                               ? socket.recv(buffer, sizeof buffer, from, 0, Socket::DONT_CHECK)
+                               : pair.client->send("x", 1, 0, Socket::DONT_CHECK);
+        EXPECT_EQ(result, -1) << "call " << call;
+        EXPECT_EQ(errno, EINTR) << "call " << call;
+    }
 }
 
-TEST_F(InterruptTest, CheckedReceiveRepeatsInterruptedCalls) {
-    UDPSocket socket(Addr(0, loopback));
+// Only the third interruption ends the wait: the checked call outlived two.
+TEST_F(InterruptTest, CheckedCallsRepeatInterruptedCalls) {
+    UDPSocket socket(Addr(0, orvo_test::loopback));
     UDPSocket waker;
     orvo_test::bound_waits(socket.getFD());
     char buffer[4];
-
     for (int overload = 0; overload < 2; ++overload) {
         wake_to = socket.getName().getAddr();
         Interrupter interrupter;
         wake_fd = waker.getFD();
         Addr from;
-        const int received = overload == 0 ? socket.recv(buffer, sizeof buffer, 0, Socket::CHECK)
-                                           : socket.recv(buffer, sizeof buffer, from, 0);
-        EXPECT_EQ(received, 1) << "overload " << overload;
-        // Only the third interruption sent data: the call outlived two of them.
+        EXPECT_EQ(overload == 0 ? socket.recv(buffer, sizeof buffer, 0, Socket::CHECK)
+                                : socket.recv(buffer, sizeof buffer, from, 0),
+                  1);
         EXPECT_GE(interruptions, 3);
-        if (overload == 1) {
-            EXPECT_EQ(from.getPort(), waker.getName().getPort());
-        }
+        EXPECT_EQ(from.getPort(), overload == 0 ? 0 : waker.getName().getPort());
     }
-}
 
-TEST_F(InterruptTest, UncheckedSendReturnsEintr) {
-    orvo_test::TcpPair pair;
-    fill(pair);
-    Interrupter interrupter;
-    errno = 0;
-    EXPECT_EQ(pair.client->send("x", 1, 0, Socket::DONT_CHECK), -1);
-    EXPECT_EQ(errno, EINTR);
-}
-
-TEST_F(InterruptTest, CheckedSendRepeatsInterruptedCalls) {
-    orvo_test::TcpPair pair;
-    fill(pair);
+    FullPair pair;
     pair.server->setNonBlocking(true);
     Interrupter interrupter;
     drain_fd = pair.server->getFD();
@@ -157,18 +140,15 @@ TEST_F(InterruptTest, CheckedSendRepeatsInterruptedCalls) {
 }
 
 TEST_F(InterruptTest, CheckedSendRepeatsWhileTheBufferIsFull) {
-    orvo_test::TcpPair pair;
-    fill(pair);
+    FullPair pair;
     pair.client->setNonBlocking(true);
     errno = 0;
     ASSERT_EQ(pair.client->send("x", 1, 0, Socket::DONT_CHECK), -1);
     ASSERT_EQ(errno, EAGAIN);
-
     std::thread reader([fd = pair.server->getFD()] {
         static char drained[65536];
         // Late enough that the send below has met the full buffer first.
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        // Drains until the sender has been quiet for a while.
         while (orvo_test::readable(fd, 300) && read(fd, drained, sizeof drained) > 0) {
         }
     });
