@@ -1,6 +1,6 @@
 #include <orvo/core/architect.h>
 
-#include <support/open_fds.h>
+#include <support/loopback.h>
 #include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
@@ -31,13 +31,8 @@ std::string file_head(const std::string& path, std::size_t bytes) {
 // A library value holding a slash makes the file name a relative path, so the
 // value "/junk" with the tag "cycles" opens ./lib/junk.cycles.so in the
 // working directory, where each test puts a file of its making.
-class BrokenPlugins : public ::testing::Test {
+class BrokenPlugins : public orvo_test::NoDescriptorLeak {
 protected:
-    void SetUp() override { fds_before = orvo_test::open_fds(); }
-    void TearDown() override { EXPECT_EQ(orvo_test::open_fds(), fds_before); }
-
-    void plant(const std::string& content) { dir.write("lib/junk.cycles.so", content); }
-
     /// Assembles from the two lists and returns the host's report.
     orvo::Exception assemble(const std::string& libraries, const std::string& classes) {
         dir.write("config/libraries.cfg", libraries);
@@ -62,10 +57,9 @@ protected:
     }
 
     orvo_test::ScratchDir dir;
-    long fds_before = 0;
 };
 
-TEST_F(BrokenPlugins, DamagedLibraryFilesAreReportedAsUnopenable) {
+TEST_F(BrokenPlugins, DamagedFilesAndHostileNamesAreReportedAsUnopenable) {
     const std::string real = file_head(CYCLER_PLUGIN, 1 << 24);
     ASSERT_GT(real.size(), 64u);
     // Only the ELF header survives: the loader refuses the file. A file cut
@@ -73,18 +67,16 @@ TEST_F(BrokenPlugins, DamagedLibraryFilesAreReportedAsUnopenable) {
     // loader itself, before the Architect could report anything.
     for (const std::string& content :
          {std::string(), std::string("not a library\n"), real.substr(0, 64)}) {
-        plant(content);
+        dir.write("lib/junk.cycles.so", content);
         expect_open_failure("cycler\n/junk\n");
     }
     std::filesystem::remove(dir.path / "lib/junk.cycles.so");
     std::filesystem::create_directories(dir.path / "lib/junk.cycles.so");
-    expect_open_failure("/junk\n");
-}
-
-TEST_F(BrokenPlugins, HostileLibraryNamesAreReportedAsUnopenable) {
-    expect_open_failure(std::string(5000, 'n') + "\n");
-    expect_open_failure("/../../../../../../etc/passwd\n");
-    expect_open_failure("\x01\x02\x7f\xff\n");
+    for (const std::string& libraries :
+         {std::string("/junk\n"), std::string(5000, 'n') + "\n",
+          std::string("/../../../../../../etc/passwd\n"), std::string("\x01\x02\x7f\xff\n")}) {
+        expect_open_failure(libraries);
+    }
 }
 
 TEST_F(BrokenPlugins, HostileFactoryNamesCarryTheLoadersText) {

@@ -1,6 +1,6 @@
 #include <orvo/debug/debug_drawings.h>
 
-#include <net/loopback.h>
+#include <support/loopback.h>
 
 #include <gtest/gtest.h>
 
@@ -31,11 +31,7 @@ public:
 using DebugFaults = orvo_test::NoDescriptorLeak;
 
 TEST_F(DebugFaults, ViewerThatWentAwayCostsNothingButTheDatagrams) {
-    int port = 0;
-    {
-        UDPSocket gone(Addr(0, orvo_test::loopback));
-        port = gone.getName().getPort();
-    }
+    const int port = UDPSocket(Addr(0, orvo_test::loopback)).getName().getPort();
     DebugDrawings drawings;
     drawings.init("127.0.0.1", port, 0);
     alive = 0;
