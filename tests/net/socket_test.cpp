@@ -161,7 +161,7 @@ TEST_F(SocketTest, FailuresThrowTheirErrorClassAndKeepNoDescriptor) {
     }
 
     // Out of descriptors. The sanitizer runtime may need files when it first
-    // meets a type, so every type is met before the limit drops.
+    // meets a type, so the limit is lifted before anything else runs.
     rlimit limit{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
     const rlimit none{0, limit.rlim_max};
@@ -170,6 +170,7 @@ TEST_F(SocketTest, FailuresThrowTheirErrorClassAndKeepNoDescriptor) {
     try {
         UDPSocket starved;
     } catch (const orvo::net::OpenErr& open_error) {
+        setrlimit(RLIMIT_NOFILE, &limit);
         error = open_error.err();
     }
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
