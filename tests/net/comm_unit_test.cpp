@@ -151,22 +151,15 @@ TEST_F(CommUnitTest, FailedFirstReadBeforeAnyMessageGivesEmpty) {
 }
 
 TEST_F(CommUnitTest, HugeLengthPrefixNeverWritesPastTheBuffer) {
-    const std::string payload(20000, 'a');
-    const auto drain = [this] {
-        orvo_test::clear_read_script();
-        while (orvo_test::readable(unit_fd(), 50)) {
-            unit->get_message(); // the rest of the announced frame
-        }
-    };
-    std::string text = receive(frame(payload, 0xFFFFFFFF));
-    EXPECT_LE(text.size(), 16380u);
-    EXPECT_EQ(text.find_first_not_of('a'), std::string::npos);
-    drain();
     // In small pieces the running count jumps past the end of the buffer.
-    EXPECT_LE(receive(frame(payload, 0xFFFFFFFF), {1000, 1000, 1000, 1000, 1000, 1000, 1000, 1000})
+    EXPECT_LE(receive(frame(std::string(20000, 'a'), 0xFFFFFFFF),
+                      {1000, 1000, 1000, 1000, 1000, 1000, 1000, 1000})
                   .size(),
               16380u);
-    drain();
+    orvo_test::clear_read_script();
+    while (orvo_test::readable(unit_fd(), 50)) {
+        unit->get_message(); // the rest of the announced frame
+    }
     // Only the buffer's worth arrives before the peer stops sending.
     EXPECT_EQ(receive(frame(std::string(16380, 'c'), 0xFFFFFFFF), {16384}), "");
 }
