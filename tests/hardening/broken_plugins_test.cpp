@@ -17,14 +17,6 @@ const std::string assemble_site =
 const std::string open_site = "core/src/architect.cpp: In function 'construct' (line 165): ";
 const std::string factory_site = "core/src/architect.cpp: In function 'construct' (line 212): ";
 
-std::string file_head(const std::string& path, std::size_t bytes) {
-    std::ifstream file(path, std::ios::binary);
-    std::string head(bytes, '\0');
-    file.read(&head[0], static_cast<std::streamsize>(bytes));
-    head.resize(static_cast<std::size_t>(file.gcount()));
-    return head;
-}
-
 // Damaged plug-in files and hostile names in the configuration: the host gets
 // the Architect's own report, and nothing stays open or alive afterwards.
 //
@@ -60,13 +52,13 @@ protected:
 };
 
 TEST_F(BrokenPlugins, DamagedFilesAndHostileNamesAreReportedAsUnopenable) {
-    const std::string real = file_head(CYCLER_PLUGIN, 1 << 24);
-    ASSERT_GT(real.size(), 64u);
+    std::string elf_header(64, '\0');
+    std::ifstream(CYCLER_PLUGIN, std::ios::binary).read(&elf_header[0], 64);
+    ASSERT_EQ(elf_header.substr(1, 3), "ELF");
     // Only the ELF header survives: the loader refuses the file. A file cut
     // further on is mapped as its headers describe and faults inside the
     // loader itself, before the Architect could report anything.
-    for (const std::string& content :
-         {std::string(), std::string("not a library\n"), real.substr(0, 64)}) {
+    for (const std::string& content : {std::string(), std::string("not a library\n"), elf_header}) {
         dir.write("lib/junk.cycles.so", content);
         expect_open_failure("cycler\n/junk\n");
     }
