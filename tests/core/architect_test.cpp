@@ -8,11 +8,32 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
+#include <sys/utsname.h>
+
+#include <cerrno>
+#include <cstring>
 
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+// This program defines uname() itself; the library's call binds to it, so a
+// test chooses the system name the Architect sees.
+namespace {
+const char* fake_sysname = "Linux";
+bool fake_fails = false;
+} // namespace
+
+extern "C" int uname(struct utsname* info) noexcept {
+    if (fake_fails) {
+        errno = EFAULT;
+        return -1;
+    }
+    std::memset(info, 0, sizeof *info);
+    std::strncpy(info->sysname, fake_sysname, sizeof info->sysname - 1);
+    return 0;
+}
 
 namespace {
 
@@ -82,6 +103,30 @@ TEST_F(ArchitectTest, TagIsTheTextAfterTheLastSlashOfTheFirstArgument) {
     plain_tag.construct();
     EXPECT_STREQ(origin_of(plain_tag, "zulu"), "alpha.agent7");
     plain_tag.disassemble_framework();
+}
+
+TEST_F(ArchitectTest, SuffixFollowsTheSystemName) {
+    configure("pear\n", "pear\n");
+    const struct {
+        const char* sysname;
+        bool fails;
+        const char* opened; ///< the plug-in file the Architect must have picked
+    } systems[] = {{"Darwin", false, "pear.dylib"},
+                   {"Linux", false, "pear.so"},
+                   {"darwin", false, "pear.so"},
+                   {"FreeBSD", false, "pear.so"},
+                   {"Darwin", true, "pear.so"}};
+    for (const auto& system : systems) {
+        orvo_test::reset(); // a new component may reuse a deleted one's address
+        fake_sysname = system.sysname;
+        fake_fails = system.fails;
+        orvo::Architect fresh(args);
+        fresh.construct();
+        EXPECT_STREQ(origin_of(fresh, "pear"), system.opened) << system.sysname << system.fails;
+        fresh.disassemble_framework();
+    }
+    fake_sysname = "Linux";
+    fake_fails = false;
 }
 
 TEST_F(ArchitectTest, FactoryExportedTwiceComesFromTheFirstListedLibraryWhichStaysLoaded) {

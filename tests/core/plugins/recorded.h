@@ -14,72 +14,57 @@
 // file each copy is compiled into.
 namespace orvo_test {
 
-struct Faults {
-    const char* needs = nullptr; ///< a collaborator link() asks for
-    bool link_fails = false;
-    bool init_fails = false;
-    bool finalize_fails = false;
-};
+enum class Fault { none, needs_absent, link, init, finalize };
 
-inline void note_creation(orvo::Constructable* component, const char* factory) {
-    creations().push_back(Creation{component, factory, PLUGIN_ORIGIN, true});
-}
-
-inline void note_deletion(orvo::Constructable* component, const std::string& name) {
-    record(name + ".delete");
-    for (auto& creation : creations()) {
-        if (creation.component == component) {
-            creation.alive = false;
+template <class Base> class Journaled : public Base {
+public:
+    Journaled(const char* factory, std::string name, Fault fault = Fault::none)
+        : name(std::move(name)), fault(fault) {
+        creations().push_back(Creation{this, factory, PLUGIN_ORIGIN, true});
+    }
+    ~Journaled() override {
+        record(name + ".delete");
+        for (auto& creation : creations()) {
+            creation.alive = creation.alive && creation.component != this;
         }
     }
-}
-
-class Recorded : public orvo::Constructable {
-public:
-    Recorded(const char* factory, std::string name, Faults faults = Faults())
-        : name(std::move(name)), faults(faults) {
-        note_creation(this, factory);
-    }
-    ~Recorded() override { note_deletion(this, name); }
 
     void link(orvo::Class_Map& classes) override {
         record(name + ".link");
-        if (faults.needs != nullptr) {
-            orvo::get_class<orvo::Constructable>(*this, faults.needs, classes);
+        if (fault == Fault::needs_absent) {
+            orvo::get_class<orvo::Constructable>(*this, "absent", classes);
         }
-        if (faults.link_fails) {
-            throw orvo::Exception(orvo::gen_ffl_string("plugins/recorded.h", "link", 5),
-                                  "cannot link", "Exception");
-        }
+        fail_if(Fault::link, "link", 5, "cannot link");
     }
     void init() override {
         record(name + ".init");
-        if (faults.init_fails) {
+        if (fault == Fault::init) {
             throw orvo::LogicException(orvo::gen_ffl_string("plugins/recorded.h", "init", 7),
                                        "cannot start");
         }
     }
     void finalize() override {
         record(name + ".finalize");
-        if (faults.finalize_fails) {
-            throw orvo::Exception(orvo::gen_ffl_string("plugins/recorded.h", "finalize", 9),
-                                  "cannot stop", "Exception");
-        }
+        fail_if(Fault::finalize, "finalize", 9, "cannot stop");
     }
     std::string get_name() const override { return name; }
 
 private:
+    void fail_if(Fault when, const char* function, int line, const char* message) {
+        if (fault == when) {
+            throw orvo::Exception(orvo::gen_ffl_string("plugins/recorded.h", function, line),
+                                  message, "Exception");
+        }
+    }
+
     std::string name;
-    Faults faults;
+    Fault fault;
 };
 
-class RecordedAgent : public orvo::Agent {
-public:
-    RecordedAgent() { note_creation(this, "agent"); }
-    ~RecordedAgent() override { note_deletion(this, "agent"); }
-    void link(orvo::Class_Map&) override { record("agent.link"); }
-    void init() override { record("agent.init"); }
-    void finalize() override { record("agent.finalize"); }
+using Recorded = Journaled<orvo::Constructable>;
+
+struct RecordedAgent : Journaled<orvo::Agent> {
+    RecordedAgent() : Journaled("agent", "agent") {}
     void run() override { record("agent.run"); }
 };
 
