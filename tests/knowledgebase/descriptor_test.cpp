@@ -56,11 +56,6 @@ TEST(Descriptor, PropertiesAreFirstWinsExactAndByteOrdered) {
     EXPECT_EQ(ids, (std::vector<std::string>{"B", "a", "ab", "b", "speed"}));
 }
 
-TEST(Descriptor, SkillsAndEffectorsRenderTheirIdsOnly) {
-    EXPECT_EQ(skill("a b)")->to_eval(), "(skill (id a b)))");
-    EXPECT_EQ(effector("say", "(say hello)", true)->to_eval(), "(effector (id say))");
-}
-
 TEST(DescriptorAction, RendersTheApproachBallExample) {
     Descriptor_Action action("approach_ball");
     EXPECT_EQ(action.to_eval(), "(action (initiator approach_ball)(skill_chain)(effectors))");
@@ -139,7 +134,7 @@ struct LoudEffector : NamedEffector {
 TEST(DescriptorAction, RendersThroughPlugInOverrides) {
     Descriptor_Action action("b");
     action.add_skill(boost::make_shared<LoudSkill>("kick"));
-    action.add_effector(boost::make_shared<LoudEffector>("say", "(quiet)"));
+    action.add_effector(boost::make_shared<LoudEffector>("say", "(quiet)", false));
     EXPECT_EQ(action.to_eval(), "(action (initiator b)(skill_chain (loud kick))(effectors (loud "
                                 "say)))");
     EXPECT_EQ(action.get_effector_chain(), "(LOUD)");

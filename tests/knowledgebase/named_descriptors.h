@@ -19,20 +19,13 @@ namespace orvo_test {
 namespace kb = orvo::knowledgebase;
 namespace desc = orvo::knowledgebase::descriptors;
 
-/// The simplest concrete skill a plug-in could write: it prints its id.
-class NamedSkill : public desc::Descriptor_Skill {
-public:
-    explicit NamedSkill(const std::string& id) : Descriptor_Skill(id) {}
-    std::ostream& print(std::ostream& out) const override { return out << id; }
+/// The simplest concrete skill or effector a plug-in could write: it prints its id.
+template <class Base> struct Named : Base {
+    using Base::Base;
+    std::ostream& print(std::ostream& out) const override { return out << this->id; }
 };
-
-/// The simplest concrete effector: it prints its id.
-class NamedEffector : public desc::Descriptor_Effector {
-public:
-    NamedEffector(const std::string& id, const std::string& message = "", bool excluded = false)
-        : Descriptor_Effector(id, message, excluded) {}
-    std::ostream& print(std::ostream& out) const override { return out << id; }
-};
+using NamedSkill = Named<desc::Descriptor_Skill>;
+using NamedEffector = Named<desc::Descriptor_Effector>;
 
 inline boost::shared_ptr<desc::Descriptor_Skill> skill(const std::string& id) {
     return boost::make_shared<NamedSkill>(id);
