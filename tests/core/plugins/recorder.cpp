@@ -1,5 +1,7 @@
 #include "recorder.h"
 
+#include <algorithm>
+
 namespace orvo_test {
 
 std::vector<std::string>& journal() {
@@ -13,12 +15,12 @@ std::vector<Creation>& creations() {
 }
 
 const Creation* creation_of(const orvo::Constructable* component) {
-    for (const auto& creation : creations()) {
-        if (creation.component == component) {
-            return &creation;
-        }
-    }
-    return nullptr;
+    const auto& made = creations();
+    const auto found =
+        std::find_if(made.begin(), made.end(), [component](const Creation& creation) {
+            return creation.component == component;
+        });
+    return found == made.end() ? nullptr : &*found;
 }
 
 void record(const std::string& event) {
