@@ -103,6 +103,15 @@ private:
     std::string error;
 };
 
+/// How often `what` occurs in `text`.
+inline std::size_t count_of(const std::string& text, const std::string& what) {
+    std::size_t found = 0;
+    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
+        ++found;
+    }
+    return found;
+}
+
 /// Waits (bounded) until `path` exists and is not empty; false on time-out.
 inline bool wait_for_file(const std::string& path, std::chrono::milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
