@@ -3,17 +3,15 @@
 
 #include "child_process.h"
 
+#include <support/loopback.h>
 #include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <regex>
@@ -26,26 +24,7 @@ namespace {
 using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
-std::size_t count(const std::string& text, const std::string& what) {
-    std::size_t found = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-        ++found;
-    }
-    return found;
-}
-
-/// A loopback port that nothing listens on (bound, then released).
-unsigned closed_port() {
-    const int fd = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    socklen_t size = sizeof address;
-    getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size);
-    close(fd);
-    return ntohs(address.sin_port);
-}
+using orvo_test::count_of;
 
 class DemoGame : public ::testing::Test {
 protected:
@@ -86,39 +65,23 @@ protected:
 };
 
 TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
-    constexpr int agents = 4;
+    constexpr std::size_t agents = 4;
     constexpr int cycles = 40;
     const std::string dir = scratch.path.string();
-    orvo_test::ChildProcess server({STANDIN_SERVER,
-                                    "--port",
-                                    "0",
-                                    "--drawing-port",
-                                    "0",
-                                    "--ports-file",
-                                    "ports",
-                                    "--agents",
-                                    std::to_string(agents),
-                                    "--cycles",
-                                    std::to_string(cycles),
-                                    "--sync",
-                                    "--start-timeout",
-                                    "20",
-                                    "--cycle-timeout",
-                                    "5",
-                                    "--log",
-                                    "log.txt",
-                                    "--svg",
-                                    "field.svg"},
-                                   dir, dir + "/server.out", dir + "/server.err");
+    std::vector<std::string> argv{STANDIN_SERVER};
+    std::istringstream options("--port 0 --drawing-port 0 --ports-file ports --agents 4 "
+                               "--cycles 40 --sync --start-timeout 20 --cycle-timeout 5 "
+                               "--log log.txt --svg field.svg");
+    argv.insert(argv.end(), std::istream_iterator<std::string>(options), {});
+    orvo_test::ChildProcess server(argv, dir, dir + "/server.out", dir + "/server.err");
     ASSERT_TRUE(orvo_test::wait_for_file(dir + "/ports", 10s)) << server.error_text();
-    unsigned tcp = 0;
-    unsigned udp = 0;
+    unsigned tcp = 0, udp = 0;
     std::ifstream(dir + "/ports") >> tcp >> udp;
     set("port", std::to_string(tcp));
     set("drawing_port", std::to_string(udp));
 
     std::vector<std::unique_ptr<orvo_test::ChildProcess>> hosts;
-    for (int i = 0; i < agents; ++i) {
+    for (std::size_t i = 0; i < agents; ++i) {
         hosts.push_back(start_host("agent" + std::to_string(i), DEMO_PLUGIN_DIR));
     }
     ASSERT_EQ(server.wait_for(60s), 0) << server.error_text();
@@ -132,29 +95,22 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
             << output;
         outputs[std::stoi(number[1])] = output;
     }
-    ASSERT_EQ(outputs.size(), static_cast<std::size_t>(agents)); // every number given once
+    ASSERT_EQ(outputs.size(), agents); // every number given once
 
     // Every agent answered every cycle.
     const std::string summary = server.output_text();
-    EXPECT_EQ(count(summary, "     40       40 "), static_cast<std::size_t>(agents)) << summary;
+    EXPECT_EQ(count_of(summary, "     40       40 "), agents) << summary;
 
-    // What the server received from each agent, in order, by player number.
-    std::map<int, std::vector<std::string>> received;
+    // What the server received from each connection, in order, and the
+    // connection of each player number.
+    std::map<int, std::vector<std::string>> by_connection;
     std::map<int, int> connection_of;
     std::ifstream log(dir + "/log.txt");
-    std::map<int, std::vector<std::string>> by_connection;
-    for (std::string line; std::getline(log, line);) {
-        std::istringstream fields(line);
-        int connection = 0;
-        int unum = 0;
-        int cycle = 0;
-        fields >> connection >> unum >> cycle;
+    for (int connection = 0, unum = 0, cycle = 0; log >> connection >> unum >> cycle;) {
         std::string message;
-        std::getline(fields >> std::ws, message);
+        std::getline(log >> std::ws, message);
         by_connection[connection].push_back(message);
-        if (unum != 0) {
-            connection_of[unum] = connection;
-        }
+        connection_of[unum] = connection;
     }
     for (const auto& [unum, output] : outputs) {
         SCOPED_TRACE("player " + std::to_string(unum));
@@ -164,15 +120,9 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
         EXPECT_EQ(messages[1], "(init (unum 0)(teamname orvo))");
         // One "(syn)" ends every cycle's answer; the effectors' commands come before it.
         std::vector<std::string> commands;
-        int syns = 0;
-        for (std::size_t i = 2; i < messages.size(); ++i) {
-            if (messages[i] == "(syn)") {
-                ++syns;
-            } else {
-                commands.push_back(messages[i]);
-            }
-        }
-        EXPECT_EQ(syns, cycles);
+        std::copy_if(messages.begin() + 2, messages.end(), std::back_inserter(commands),
+                     [](const std::string& m) { return m != "(syn)"; });
+        EXPECT_EQ(messages.size() - 2 - commands.size(), std::size_t{cycles});
         EXPECT_EQ(messages.back(), "(syn)");
         ASSERT_FALSE(commands.empty());
         EXPECT_TRUE(std::regex_match(
@@ -197,9 +147,9 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
         EXPECT_EQ(recorded, tail);
 
         // The log keeps the last ten cycles, all spreading out with their skills.
-        EXPECT_EQ(count(output, "[Descriptor_Action] Behavior(behavior_spread_out)"), 10u);
-        EXPECT_EQ(count(output, "-> Skill (skill_find_cell: 3 mates, area "), 10u) << output;
-        EXPECT_EQ(count(output, "-> Skill (skill_look: pan "), 10u);
+        EXPECT_EQ(count_of(output, "[Descriptor_Action] Behavior(behavior_spread_out)"), 10u);
+        EXPECT_EQ(count_of(output, "-> Skill (skill_find_cell: 3 mates, area "), 10u) << output;
+        EXPECT_EQ(count_of(output, "-> Skill (skill_look: pan "), 10u);
         EXPECT_NE(output.find("[i][Action Log]\n\n\t-> @Sim ("), std::string::npos) << output;
         // The current action: find the cell, perhaps beam towards its centroid, look around.
         EXPECT_TRUE(std::regex_search(
@@ -216,10 +166,9 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
 
     // The picture shows every agent and its cell.
     const std::string svg = orvo_test::ChildProcess::read(dir + "/field.svg");
-    EXPECT_EQ(count(svg, "class=\"cell\""), static_cast<std::size_t>(agents));
-    EXPECT_EQ(count(svg, "class=\"agent\""), static_cast<std::size_t>(agents));
-    EXPECT_EQ(count(svg, "class=\"point\""), static_cast<std::size_t>(agents));
-    EXPECT_EQ(count(svg, "class=\"line\""), static_cast<std::size_t>(agents));
+    for (const std::string shape : {"cell", "agent", "point", "line"}) {
+        EXPECT_EQ(count_of(svg, "class=\"" + shape + "\""), agents) << shape;
+    }
 }
 
 TEST_F(DemoGame, AMissingPlugInStopsTheHostWithTheLoadersVerdict) {
@@ -241,7 +190,7 @@ TEST_F(DemoGame, AMalformedSettingNamesFileAndLine) {
 }
 
 TEST_F(DemoGame, AWrongPortIsReportedAsNoServer) {
-    const unsigned port = closed_port();
+    const unsigned port = orvo_test::released_port().getPort();
     set("port", std::to_string(port));
     EXPECT_EQ(run_alone(), 1);
     EXPECT_NE(error.find("cannot connect to the server at localhost:" + std::to_string(port) +
