@@ -49,49 +49,36 @@ public:
             _exit(127);
         }
     }
-    ~ChildProcess() {
-        if (pid > 0 && !reaped) {
-            kill(pid, SIGKILL);
-            int status = 0;
-            waitpid(pid, &status, 0);
-        }
-    }
+    ~ChildProcess() { wait_for(std::chrono::milliseconds(0)); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     /// The exit status, or -1 (after killing the child) when it is still
     /// running after `timeout`; a child killed by a signal gives 128 + signal.
     int wait_for(std::chrono::milliseconds timeout) {
-        if (reaped) {
-            return status_code;
-        }
         const auto deadline = std::chrono::steady_clock::now() + timeout;
-        for (;;) {
+        while (!reaped && pid > 0) {
             int status = 0;
-            const pid_t done = waitpid(pid, &status, WNOHANG);
-            if (done == pid) {
-                reaped = true;
+            if (waitpid(pid, &status, WNOHANG) == pid) {
                 status_code = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-                return status_code;
-            }
-            if (std::chrono::steady_clock::now() >= deadline) {
+                reaped = true;
+            } else if (std::chrono::steady_clock::now() >= deadline) {
                 kill(pid, SIGKILL);
                 waitpid(pid, &status, 0);
                 reaped = true;
-                status_code = -1;
-                return status_code;
+            } else {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
             }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
+        return status_code;
     }
 
     std::string output_text() const { return read(output); }
     std::string error_text() const { return read(error); }
 
     static std::string read(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
         std::ostringstream text;
-        text << file.rdbuf();
+        text << std::ifstream(path, std::ios::binary).rdbuf();
         return text.str();
     }
 
@@ -99,8 +86,7 @@ private:
     pid_t pid = -1;
     bool reaped = false;
     int status_code = -1;
-    std::string output;
-    std::string error;
+    std::string output, error;
 };
 
 /// How often `what` occurs in `text`.
@@ -116,8 +102,7 @@ inline std::size_t count_of(const std::string& text, const std::string& what) {
 inline bool wait_for_file(const std::string& path, std::chrono::milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     while (std::chrono::steady_clock::now() < deadline) {
-        std::ifstream file(path);
-        if (file && file.peek() != std::ifstream::traits_type::eof()) {
+        if (!ChildProcess::read(path).empty()) {
             return true;
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(5));

@@ -171,30 +171,27 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
     }
 }
 
-TEST_F(DemoGame, AMissingPlugInStopsTheHostWithTheLoadersVerdict) {
+TEST_F(DemoGame, MissingPlugInsMalformedSettingsAndWrongPortsStopTheHost) {
     EXPECT_EQ(run_alone("/nonexistent"), 1);
     EXPECT_NE(error.find("Failed to open shared library!"), std::string::npos) << error;
 
     std::ofstream(scratch.path / "config" / "classes.cfg", std::ios::app) << "skill_kick\n";
     EXPECT_EQ(run_alone(), 1);
     EXPECT_NE(error.find("undefined symbol: create_skill_kick"), std::string::npos) << error;
-}
+    fs::copy(DEMO_CONFIG_DIR "/classes.cfg", scratch.path / "config" / "classes.cfg",
+             fs::copy_options::overwrite_existing);
 
-TEST_F(DemoGame, AMalformedSettingNamesFileAndLine) {
     set("port", "31x0");
     EXPECT_EQ(run_alone(), 1);
+    EXPECT_NE(error.find("demo/settings.cpp: In function 'read_settings'"), std::string::npos);
     EXPECT_NE(error.find("config/server.cfg:4: port: '31x0' is not a port (1-65535)"),
               std::string::npos)
         << error;
-    EXPECT_NE(error.find("demo/settings.cpp: In function 'read_settings'"), std::string::npos);
-}
 
-TEST_F(DemoGame, AWrongPortIsReportedAsNoServer) {
-    const unsigned port = orvo_test::released_port().getPort();
-    set("port", std::to_string(port));
+    const std::string port = std::to_string(orvo_test::released_port().getPort());
+    set("port", port);
     EXPECT_EQ(run_alone(), 1);
-    EXPECT_NE(error.find("cannot connect to the server at localhost:" + std::to_string(port) +
-                         " (is it running?)"),
+    EXPECT_NE(error.find("cannot connect to the server at localhost:" + port + " (is it running?)"),
               std::string::npos)
         << error;
 }

@@ -2,12 +2,10 @@
 #include "drawing_wire.h"
 #include "field_svg.h"
 
+#include <examples/child_process.h>
 #include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -82,13 +80,12 @@ TEST(StandinCommands, MessagesSplitIntoTopLevelExpressions) {
     EXPECT_EQ(standin::to_number(args[0]), -3.5);
     EXPECT_FALSE(standin::to_number("2x").has_value());
     EXPECT_FALSE(standin::to_number("nan").has_value());
-}
 
-TEST(StandinCommands, AnUnbalancedTailIsKeptAsOneNamelessCommand) {
-    const auto commands = standin::split_commands("(syn)(beam 1 (2");
-    ASSERT_EQ(commands.size(), 2u);
-    EXPECT_EQ(commands[0].name, "syn");
-    EXPECT_EQ(commands[1].name, "");
+    // An unbalanced tail is kept as one nameless command.
+    const auto broken = standin::split_commands("(syn)(beam 1 (2");
+    ASSERT_EQ(broken.size(), 2u);
+    EXPECT_EQ(broken[0].name, "syn");
+    EXPECT_EQ(broken[1].name, "");
     EXPECT_TRUE(standin::split_commands("no parentheses").empty());
 }
 
@@ -106,16 +103,8 @@ TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
     picture.drawings[0x81].push_back(cell);
     ASSERT_TRUE(standin::write_field_svg("field.svg", picture));
 
-    std::ifstream file("field.svg");
-    std::stringstream text;
-    text << file.rdbuf();
-    const std::string svg = text.str();
-    std::size_t cells = 0;
-    for (auto at = svg.find("class=\"cell\""); at != std::string::npos;
-         at = svg.find("class=\"cell\"", at + 1)) {
-        ++cells;
-    }
-    EXPECT_EQ(cells, 2u);
+    const std::string svg = orvo_test::ChildProcess::read("field.svg");
+    EXPECT_EQ(orvo_test::count_of(svg, "class=\"cell\""), 2u);
     EXPECT_NE(svg.find("data-name=\"cell&lt;&amp;&gt;\""), std::string::npos);
     // (-15, 10) of the left team is the top-left corner; mirrored, the bottom-right.
     EXPECT_NE(svg.find("points=\"45.0,45.0 "), std::string::npos);
