@@ -9,17 +9,12 @@
 
 namespace {
 
-std::vector<std::string> recorded_messages() {
-    std::ifstream file(SERVER_MESSAGES);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 TEST(Perception, ReadsEveryRecordedMessageOfARealServer) {
-    const auto messages = recorded_messages();
+    std::ifstream file(SERVER_MESSAGES);
+    std::vector<std::string> messages;
+    for (std::string line; std::getline(file, line);) {
+        messages.push_back(line);
+    }
     ASSERT_EQ(messages.size(), 15u);
     const double times[] = {4.22, 4.24, 4.26, 4.28, 4.30, 4.32, 4.68, 4.70,
                             4.72, 5.08, 5.10, 5.12, 5.68, 5.70, 5.72};

@@ -11,6 +11,7 @@
 #include <boost/geometry/geometries/point_xy.hpp>
 #include <boost/geometry/geometries/polygon.hpp>
 #include <gtest/gtest.h>
+#include <support/failure.h>
 
 #include <algorithm>
 #include <cmath>
@@ -110,20 +111,13 @@ const std::vector<Vector2d> no_points;
 
 TEST(Polygon, EmptyPolygonRefusesResetAndUpdate) {
     Polygon polygon;
-    try {
-        polygon.reset();
-        ADD_FAILURE() << "reset of an empty polygon accepted";
-    } catch (const orvo::LogicException& e) {
-        EXPECT_EQ(e.get_source(), "math/src/polygon.cpp: In function 'reset' (line 40): ");
-        EXPECT_EQ(e.get_message(), "Reset not possible - no initial polygon existing!");
-    }
-    try {
-        polygon.update(no_points, Vector2d(1, 2));
-        ADD_FAILURE() << "update of an empty polygon accepted";
-    } catch (const orvo::LogicException& e) {
-        EXPECT_EQ(e.get_source(), "math/src/polygon.cpp: In function 'update' (line 78): ");
-        EXPECT_EQ(e.get_message(), "Update not possible - no polygon existing!");
-    }
+    EXPECT_EQ(orvo_test::failure<orvo::LogicException>([&] { polygon.reset(); }),
+              "LogicException @ math/src/polygon.cpp: In function 'reset' (line 40): "
+              " | Reset not possible - no initial polygon existing!");
+    EXPECT_EQ(orvo_test::failure<orvo::LogicException>(
+                  [&] { polygon.update(no_points, Vector2d(1, 2)); }),
+              "LogicException @ math/src/polygon.cpp: In function 'update' (line 78): "
+              " | Update not possible - no polygon existing!");
     EXPECT_EQ(polygon.get_area(), 0.0f);
 }
 

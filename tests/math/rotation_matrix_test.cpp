@@ -56,14 +56,6 @@ M3 as_m3(const RotationMatrix& r) {
     return m;
 }
 
-M3 transpose(const M3& a) {
-    M3 t{};
-    for (int i = 0; i < 3; ++i)
-        for (int j = 0; j < 3; ++j)
-            t[i][j] = a[j][i];
-    return t;
-}
-
 void expect_equal(const M3& actual, const M3& expected, double tolerance = 1e-12) {
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j)
@@ -82,7 +74,7 @@ struct RotationMatrixTest : ::testing::Test {
 
 } // namespace
 
-TEST_F(RotationMatrixTest, ConstructorsMatchProductsOfElementaryRotations) {
+TEST_F(RotationMatrixTest, ConstructorsAndRotationsMatchProductsOfElementaryRotations) {
     expect_equal(as_m3(RotationMatrix()), rx(0), 0.0);
     const RotationMatrix given(Vector3<double>(1, 2, 3), Vector3<double>(4, 5, 6),
                                Vector3<double>(7, 8, 9));
@@ -99,7 +91,11 @@ TEST_F(RotationMatrixTest, ConstructorsMatchProductsOfElementaryRotations) {
     for (int i = 0; i < 200; ++i) {
         // Angles give the transpose of the z-y-x product.
         const double a = angle(), b = angle(), g = angle();
-        expect_equal(transpose(as_m3(RotationMatrix(a, b, g))), product(rz(g), ry(b), rx(a)));
+        RotationMatrix r(a, b, g);
+        const M3 zyx = product(rz(g), ry(b), rx(a));
+        for (int k = 0; k < 9; ++k) {
+            EXPECT_NEAR(r.m[k], zyx[k / 3][k % 3], 1e-12);
+        }
 
         // Turning the z axis onto the given axis, rotating about z and turning
         // back is the rotation about that axis; neither the axis length nor the
@@ -111,20 +107,15 @@ TEST_F(RotationMatrixTest, ConstructorsMatchProductsOfElementaryRotations) {
         expect_equal(as_m3(RotationMatrix(axis, turn)), expected);
         expect_equal(as_m3(RotationMatrix(scaled(axis, 3), turn)), expected);
         expect_equal(as_m3(RotationMatrix(scaled(axis, turn))), expected);
-    }
-}
 
-TEST_F(RotationMatrixTest, RotationsMultiplyOnTheRight) {
-    for (int i = 0; i < 100; ++i) {
-        RotationMatrix r(angle(), angle(), angle());
-        const double t = angle();
-        M3 expected = product(as_m3(r), rx(t));
-        expect_equal(as_m3(r.rotateX(t)), expected);
-        expected = product(expected, ry(t));
-        expect_equal(as_m3(r.rotateY(t)), expected);
-        expected = product(expected, rz(t));
-        expect_equal(as_m3(r.rotateZ(t)), expected);
-        EXPECT_EQ(&r.rotateZ(0.7), &r);
+        // Elementary rotations multiply on the right.
+        M3 rotated = product(as_m3(r), rx(turn));
+        expect_equal(as_m3(r.rotateX(turn)), rotated);
+        rotated = product(rotated, ry(turn));
+        expect_equal(as_m3(r.rotateY(turn)), rotated);
+        rotated = product(rotated, rz(turn));
+        EXPECT_EQ(&r.rotateZ(turn), &r);
+        expect_equal(as_m3(r), rotated);
     }
 }
 

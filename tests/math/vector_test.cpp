@@ -4,6 +4,7 @@
 #include <orvo/math/vector3d.h>
 
 #include <gtest/gtest.h>
+#include <support/failure.h>
 
 #include <cmath>
 #include <limits>
@@ -17,14 +18,10 @@ TEST(Vector3d, IndexIsOneBasedAndChecked) {
     const Vector3d v(4.0f, 5.0f, 6.0f);
     EXPECT_EQ(v[1] + 10 * v[2] + 100 * v[3], 654.0f);
     for (unsigned int bad : {0u, 4u, std::numeric_limits<unsigned int>::max()}) {
-        try {
-            (void)v[bad];
-            ADD_FAILURE() << "index " << bad << " accepted";
-        } catch (const orvo::ValueOutOfBoundsException& e) {
-            EXPECT_EQ(e.get_source(),
-                      "math/src/vector3d.cpp: In function 'operator[]' (line 82): ");
-            EXPECT_EQ(e.get_message(), "Given value exceeded valid range");
-        }
+        EXPECT_EQ(orvo_test::failure<orvo::ValueOutOfBoundsException>([&] { (void)v[bad]; }),
+                  "ValueOutOfBoundsException @ math/src/vector3d.cpp: In function 'operator[]' "
+                  "(line 82):  | Given value exceeded valid range")
+            << bad;
     }
 }
 
@@ -52,24 +49,21 @@ TEST(Vector3d, ConstructorsAndScalingKeepTheCachedLengthRight) {
 }
 
 TEST(Polar, ExactCasesHaveNoRoundingResidue) {
+    const float r2 = std::sqrt(2.0f);
     const struct {
         Vector3d v;
         Polar p;
-    } from_vector[] = {{{0, -1, 0}, {1, 270, 0}},
-                       {{0, 0, -2}, {2, 0, -90}},
-                       {{0, 0, 3}, {3, 0, 90}},
-                       {{1, 1, 0}, {std::sqrt(2.0f), 45, 0}},
-                       {{-1, 1, 0}, {std::sqrt(2.0f), 135, 0}},
-                       {{-1, -1, 0}, {std::sqrt(2.0f), 225, 0}},
-                       {{1, -1, 0}, {std::sqrt(2.0f), 315, 0}},
-                       {{-3, 0, 0}, {3, 180, 0}},
-                       {{1, 0, 1}, {std::sqrt(2.0f), 0, 45}},
-                       {{}, {}}};
+    } from_vector[] = {// clang-format off
+        {{0, -1, 0}, {1, 270, 0}}, {{0, 0, -2}, {2, 0, -90}}, {{0, 0, 3}, {3, 0, 90}},
+        {{1, 1, 0}, {r2, 45, 0}}, {{-1, 1, 0}, {r2, 135, 0}}, {{-1, -1, 0}, {r2, 225, 0}},
+        {{1, -1, 0}, {r2, 315, 0}}, {{-3, 0, 0}, {3, 180, 0}}, {{1, 0, 1}, {r2, 0, 45}}, {{}, {}}};
+    // clang-format on
     for (const auto& c : from_vector) {
+        SCOPED_TRACE(testing::Message() << c.v.x << "," << c.v.y << "," << c.v.z);
         const Polar p(c.v);
-        EXPECT_FLOAT_EQ(p.distance, c.p.distance) << c.v.x << "," << c.v.y << "," << c.v.z;
-        EXPECT_NEAR(p.azimuth, c.p.azimuth, 1e-4) << c.v.x << "," << c.v.y << "," << c.v.z;
-        EXPECT_NEAR(p.elevation, c.p.elevation, 1e-4) << c.v.x << "," << c.v.y << "," << c.v.z;
+        EXPECT_FLOAT_EQ(p.distance, c.p.distance);
+        EXPECT_NEAR(p.azimuth, c.p.azimuth, 1e-4);
+        EXPECT_NEAR(p.elevation, c.p.elevation, 1e-4);
     }
     // Just below +x the long way round must not reach a full turn.
     const Polar nearly_full(Vector3d(1.0f, -1e-10f, 0.0f));
