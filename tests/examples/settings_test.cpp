@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 namespace {
 
@@ -17,24 +18,17 @@ demo::Settings read(const std::string& text) {
     return settings;
 }
 
-TEST(Settings, DefaultsPointAtTheLocalServerAndEveryKeyIsRead) {
-    const demo::Settings defaults = read("# nothing but a comment\n\n   \n");
-    EXPECT_EQ(defaults.host, "localhost");
-    EXPECT_EQ(defaults.port, 3100u);
-    EXPECT_EQ(defaults.drawing_port, 15096u);
-    EXPECT_EQ(defaults.team, "orvo");
-    EXPECT_EQ(defaults.unum + defaults.cycles, 0u);
+std::tuple<std::string, unsigned, unsigned, std::string, unsigned, unsigned, unsigned>
+fields(const demo::Settings& s) {
+    return {s.host, s.port, s.drawing_port, s.team, s.unum, s.cycles, s.wait};
+}
 
-    const demo::Settings given = read("host 10.0.0.7\nport 3200 # trailing comment\n"
-                                      "\tdrawing_port 32769\nteam blue-2\nunum 11\ncycles 250\n"
-                                      "wait 3\n");
-    EXPECT_EQ(given.host, "10.0.0.7");
-    EXPECT_EQ(given.port, 3200u);
-    EXPECT_EQ(given.drawing_port, 32769u);
-    EXPECT_EQ(given.team, "blue-2");
-    EXPECT_EQ(given.unum, 11u);
-    EXPECT_EQ(given.cycles, 250u);
-    EXPECT_EQ(given.wait, 3u);
+TEST(Settings, DefaultsPointAtTheLocalServerAndEveryKeyIsRead) {
+    EXPECT_EQ(fields(read("# nothing but a comment\n\n   \n")),
+              fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 10}));
+    EXPECT_EQ(fields(read("host 10.0.0.7\nport 3200 # trailing comment\n\tdrawing_port 32769\n"
+                          "team blue-2\nunum 11\ncycles 250\nwait 3\n")),
+              fields(demo::Settings{"10.0.0.7", 3200, 32769, "blue-2", 11, 250, 3}));
 }
 
 TEST(Settings, MalformedValuesNameFileLineAndValue) {

@@ -12,14 +12,18 @@ namespace {
 using demo::wire::Corner;
 using demo::wire::Kind;
 
-TEST(DrawingWire, PolygonSurvivesTheRoundTripToTheMillimetre) {
-    const Corner corners[] = {{-15.0f, 10.0f}, {0.0004f, -2.5f}, {-3.1234f, -10.0f}};
+/// A wire fixture: one encoding buffer and one decoded shape.
+struct DrawingWire : ::testing::Test {
     unsigned char buffer[demo::wire::max_shape_size];
+    demo::wire::Shape shape;
+};
+
+TEST_F(DrawingWire, PolygonSurvivesTheRoundTripToTheMillimetre) {
+    const Corner corners[] = {{-15.0f, 10.0f}, {0.0004f, -2.5f}, {-3.1234f, -10.0f}};
     const auto size =
         demo::wire::encode(Kind::polygon, 0x85, "cell", {10, 20, 30}, corners, 3, buffer);
     EXPECT_EQ(size, 3u + 4 + 3 + 1 + 3 * 8);
 
-    demo::wire::Shape shape;
     ASSERT_TRUE(demo::wire::decode(buffer, size, shape));
     EXPECT_EQ(shape.kind, Kind::polygon);
     EXPECT_EQ(shape.header, 0x85);
@@ -32,14 +36,12 @@ TEST(DrawingWire, PolygonSurvivesTheRoundTripToTheMillimetre) {
     EXPECT_FLOAT_EQ(shape.corners[2].y, -10.0f);
 }
 
-TEST(DrawingWire, LimitsKeepEveryShapeInsideTheCollectorsBuffer) {
+TEST_F(DrawingWire, LimitsKeepEveryShapeInsideTheCollectorsBuffer) {
     std::vector<Corner> many(200, Corner{1, 2});
-    unsigned char buffer[demo::wire::max_shape_size];
     const std::string long_name(100, 'n');
     const auto size =
         demo::wire::encode(Kind::polygon, 1, long_name, {}, many.data(), many.size(), buffer);
     EXPECT_LE(size, 512u);
-    demo::wire::Shape shape;
     ASSERT_TRUE(demo::wire::decode(buffer, size, shape));
     EXPECT_EQ(shape.name.size(), demo::wire::max_name);
     EXPECT_EQ(shape.corners.size(), demo::wire::max_corners);
@@ -50,11 +52,9 @@ TEST(DrawingWire, LimitsKeepEveryShapeInsideTheCollectorsBuffer) {
     EXPECT_EQ(shape.corners.size(), 2u);
 }
 
-TEST(DrawingWire, MalformedDatagramsAreRejected) {
+TEST_F(DrawingWire, MalformedDatagramsAreRejected) {
     const Corner corner{1, 1};
-    unsigned char buffer[demo::wire::max_shape_size];
     const auto size = demo::wire::encode(Kind::point, 1, "me", {}, &corner, 1, buffer);
-    demo::wire::Shape shape;
     EXPECT_FALSE(demo::wire::decode(buffer, size - 1, shape));
     EXPECT_FALSE(demo::wire::decode(buffer, 2, shape));
     buffer[0] = 0x42;
