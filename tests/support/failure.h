@@ -16,7 +16,8 @@ template <class E = orvo::Exception, class Step> std::string failure(Step step) 
         step();
     } catch (const E& e) {
         const bool exact = typeid(e) == typeid(E);
-        return (exact ? "" : "subclass of E: ") + e.get_type() + " @ " + e.get_source() + " | " + e.get_message();
+        return (exact ? "" : "subclass of E: ") + e.get_type() + " @ " + e.get_source() + " | " +
+               e.get_message();
     }
     return "no exception";
 }
