@@ -29,16 +29,27 @@ RotationMatrix::RotationMatrix(const double& a, const double& b, const double& c
     m[8] = cb * ca;
 }
 
-RotationMatrix::RotationMatrix(const Vector3<double>& axis, const double& angle) {
-    double x = axis.x;
-    double y = axis.y;
-    double z = axis.z;
+namespace {
+
+// Scales (x, y, z) to unit length and returns the length it had; a zero vector
+// stays zero, so a rotation about it is the identity.
+double normalise(double& x, double& y, double& z) {
     const double length = std::sqrt(x * x + y * y + z * z);
     if (length != 0.0) {
         x /= length;
         y /= length;
         z /= length;
     }
+    return length;
+}
+
+} // namespace
+
+RotationMatrix::RotationMatrix(const Vector3<double>& axis, const double& angle) {
+    double x = axis.x;
+    double y = axis.y;
+    double z = axis.z;
+    normalise(x, y, z);
     set_axis_angle(x, y, z, angle);
 }
 
@@ -46,12 +57,7 @@ RotationMatrix::RotationMatrix(const Vector3<double>& r) {
     double x = r.x;
     double y = r.y;
     double z = r.z;
-    const double angle = std::sqrt(x * x + y * y + z * z);
-    if (angle != 0.0) {
-        x /= angle;
-        y /= angle;
-        z /= angle;
-    }
+    const double angle = normalise(x, y, z);
     set_axis_angle(x, y, z, angle);
 }
 
