@@ -63,5 +63,6 @@
 
 // effectors
 #include <orvo/effectors/effector.h>
+#include <orvo/robot/joints.h>
 
 #endif
