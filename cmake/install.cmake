@@ -22,3 +22,7 @@ install(FILES
 
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvo.pc.in ${PROJECT_BINARY_DIR}/orvo.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# Keyframe motions every team can play (ready stance, wave, head scan).
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/motions/ DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/motions
+  FILES_MATCHING PATTERN "*.motion")

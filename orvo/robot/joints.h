@@ -3,7 +3,9 @@
 
 #include <orvo/core/export.h>
 
+#include <algorithm>
 #include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -47,6 +49,9 @@ constexpr int robot_types = 5;
 /// The fastest any joint turns, whatever it is told: 6.14 rad/s.
 constexpr double max_joint_speed_rad = 6.14;
 constexpr double max_joint_speed_deg = 351.77;
+/// The server applies a joint's speed for one cycle of this length.
+constexpr double cycle_seconds = 0.02;
+constexpr double degrees_per_radian = 57.29577951308232;
 
 /// What the server knows of one joint: the name its angle is reported under
 /// ("(HJ (n hj1) (ax DEG))"), the name of its speed command ("(he1 RAD/S)")
@@ -67,10 +72,34 @@ inline const JointInfo& info(Joint joint) {
     return joint_table()[static_cast<std::size_t>(joint)];
 }
 
+/// One value per joint, indexed by Joint: angles in degrees, speeds in
+/// radians per second.
+using JointValues = std::array<double, joint_count>;
+/// Some joints, indexed by Joint: those a command or a motion concerns.
+using JointSet = std::bitset<joint_count>;
+
+inline std::size_t index(Joint joint) {
+    return static_cast<std::size_t>(joint);
+}
+
+/// `degrees` within the joint's range, as the server would clamp it.
+inline double clamp_to_range(Joint joint, double degrees) {
+    return std::clamp(degrees, info(joint).min_deg, info(joint).max_deg);
+}
+
 /// Joints a robot of `type` (0 to 4) has: 24 for type 4, 22 for the others;
 /// the toes come last, so these are the first entries of the table.
 constexpr std::size_t joints_of_type(int type) {
     return type == 4 ? joint_count : joint_count - 2;
+}
+
+/// Every joint a robot of `type` has.
+inline JointSet joints_of(int type) {
+    JointSet joints;
+    for (std::size_t i = 0; i < joints_of_type(type); ++i) {
+        joints.set(i);
+    }
+    return joints;
 }
 
 /// Lookups by the three names; nothing for a name no joint carries.
