@@ -59,10 +59,17 @@
 #include <orvo/knowledgebase/mappers/mapper.h>
 
 // skills
+#include <orvo/skills/joint_controller.h>
+#include <orvo/skills/motion.h>
+#include <orvo/skills/motion_player.h>
 #include <orvo/skills/skill.h>
+#include <orvo/skills/skill_joints.h>
 
 // effectors
 #include <orvo/effectors/effector.h>
+#include <orvo/effectors/effector_joints.h>
+
+// robot
 #include <orvo/robot/joints.h>
 
 #endif

@@ -1,0 +1,145 @@
+#include <orvo/communication/messenger.h>
+#include <orvo/effectors/effector_joints.h>
+#include <orvo/knowledgebase/actionlog.h>
+#include <orvo/knowledgebase/injectors/injector_action.h>
+#include <orvo/knowledgebase/injectors/injector_effector.h>
+#include <orvo/knowledgebase/injectors/injector_skill.h>
+#include <orvo/net/comm_unit.h>
+#include <orvo/skills/skill_joints.h>
+
+#include <support/loopback.h>
+
+#include <gtest/gtest.h>
+
+#include <boost/any.hpp>
+
+#include <cmath>
+#include <memory>
+#include <regex>
+#include <sstream>
+
+namespace {
+
+namespace kb = orvo::knowledgebase;
+using orvo::robot::Joint;
+using orvo::robot::JointSet;
+using orvo::robot::JointValues;
+
+struct ServerAt : orvo::communication::Configuration {
+    explicit ServerAt(unsigned int port) {
+        server_host = "127.0.0.1";
+        server_port = port;
+    }
+};
+
+/// The joint components with their knowledge base, connected to a server
+/// the test reads frame by frame.
+class JointComponents : public ::testing::Test {
+protected:
+    void SetUp() override {
+        listener = std::make_unique<orvo_test::Listener>();
+        configuration = std::make_unique<ServerAt>(listener->address().getPort());
+        orvo::Class_Map classes{{"actionlog", &log},
+                                {"communit", &communit},
+                                {"configuration", configuration.get()},
+                                {"messenger", &messenger},
+                                {"injector_action", &actions},
+                                {"injector_skill", &skills},
+                                {"injector_effector", &effectors},
+                                {"effector_joints", &effector}};
+        for (auto& [name, component] : classes) {
+            component->link(classes);
+        }
+        skill.link(classes);
+        messenger.init();
+        server = listener->accept();
+    }
+
+    /// The next frame's payload, "" when none comes.
+    std::string next_frame(int wait_ms = orvo_test::wait_ms) {
+        if (!orvo_test::readable(server->getFD(), wait_ms)) {
+            return "";
+        }
+        const std::string prefix = orvo_test::read_bytes(*server, 4);
+        std::uint32_t length = 0;
+        for (const char byte : prefix) {
+            length = length << 8 | static_cast<unsigned char>(byte);
+        }
+        return orvo_test::read_bytes(*server, length);
+    }
+
+    kb::ActionLog log;
+    orvo::net::CommUnit communit;
+    std::unique_ptr<ServerAt> configuration;
+    orvo::communication::Messenger messenger;
+    kb::injectors::Injector_Action actions;
+    kb::injectors::Injector_Skill skills;
+    kb::injectors::Injector_Effector effectors;
+    orvo::effectors::Effector_Joints effector;
+    orvo::skills::Skill_Joints skill;
+    std::unique_ptr<orvo_test::Listener> listener;
+    std::unique_ptr<orvo::net::TCPSocket> server;
+};
+
+TEST_F(JointComponents, TheEffectorSendsTheGivenJointsInOneMessage) {
+    actions("stand", 1, 10);
+    JointValues speeds{};
+    JointSet joints;
+    for (const auto& [joint, speed] : {std::pair{Joint::neck_yaw, 0.5},
+                                       {Joint::neck_pitch, -0.3},
+                                       {Joint::left_shoulder_pitch, 10.0}, // over the limit
+                                       {Joint::right_ankle_roll, -0.0001}}) {
+        speeds[orvo::robot::index(joint)] = speed;
+        joints.set(orvo::robot::index(joint));
+    }
+    effector(speeds, joints);
+    effector(speeds, JointSet()); // nothing to send
+    const std::string sent = "(he1 0.500)(he2 -0.300)(lae1 6.140)(rle6 0.000)";
+    EXPECT_EQ(next_frame(), sent);
+    EXPECT_EQ(next_frame(100), "");
+    const auto& recorded = log.current_action->second->get_effector("effector_joints");
+    EXPECT_EQ(recorded->get_message(), sent);
+    EXPECT_EQ(boost::any_cast<JointSet>(recorded->get_property("joints").get_value()), joints);
+    EXPECT_EQ(boost::any_cast<JointValues>(recorded->get_property("speeds").get_value())[2], 6.14);
+}
+
+TEST_F(JointComponents, TheSkillSendsEveryJointOfTheRobotOncePerCycle) {
+    const auto pose = std::make_shared<orvo::skills::Motion>(
+        orvo::skills::Motion::parse("0.2 neck_yaw=30 left_toe=60 right_knee_pitch=-20", "pose"));
+    for (const int type : {0, 4}) {
+        SCOPED_TRACE(type);
+        skill.set_robot_type(type);
+        skill.player().play(pose);
+        for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
+            if (!pose->joints().test(i)) {
+                skill.player().hold(static_cast<Joint>(i), 0);
+            }
+        }
+        JointValues angles{};
+        for (int cycle = 0; cycle < 3; ++cycle) {
+            actions("stand", 10 * type + cycle, 10);
+            skill(angles, 0.02 * cycle);
+            const std::string frame = next_frame();
+            // Every joint of the type once, in the table's order.
+            std::size_t joint = 0;
+            const std::regex command(R"(\(([a-z]+[0-9]) (-?[0-9]+\.[0-9]{3})\))");
+            for (std::sregex_iterator at(frame.begin(), frame.end(), command), end; at != end;
+                 ++at, ++joint) {
+                ASSERT_LT(joint, orvo::robot::joint_count);
+                EXPECT_EQ((*at)[1].str(), orvo::robot::joint_table()[joint].effector);
+                EXPECT_LE(std::fabs(std::stod((*at)[2])), orvo::robot::max_joint_speed_rad);
+            }
+            EXPECT_EQ(joint, orvo::robot::joints_of_type(type)) << frame;
+            EXPECT_EQ(log.current_action->second->get_effector_chain(), frame);
+        }
+        EXPECT_EQ(next_frame(100), "");
+        std::ostringstream record;
+        log.current_action->second->get_skill_chain().front()->print(record);
+        // 0.104 of the way after 0.04 s; only type 4 drives (and counts) its toes.
+        EXPECT_EQ(record.str(),
+                  "skill_joints: pose, " + std::to_string(orvo::robot::joints_of_type(type)) +
+                      " joints, worst error " + (type == 4 ? "6.24" : "3.12") + " deg");
+    }
+}
+
+} // namespace
