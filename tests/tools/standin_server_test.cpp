@@ -155,13 +155,12 @@ TEST_F(StandinServer, SyncModeServesBeamsAssignsNumbersAndReportsEverything) {
         send_cell(udp, 0x01, -3);
         first->send_message("(syn)");
         send_cell(udp, 0x02, -8);
-        second->send_message("(syn)");
+        second->send_message("(beam -1 0 0)(syn)");
         const std::string a = first->receive(), b = second->receive();
         ASSERT_EQ(a.rfind("(time (now ", 0), 0u) << a;
         EXPECT_EQ(b.find("(unum"), std::string::npos) << b; // the number is told once
         EXPECT_NE(a.find("(mypos -3.00 2.00 0.35)"), std::string::npos) << a;
-        seen += a.find("(See (F1L (pol ") != std::string::npos &&
-                a.find(" (P (team blue) (id 2) (head (pol ") != std::string::npos;
+        seen += a.find(" (P (team blue) (id 2) (head (pol 2.83 -4") != std::string::npos;
     }
     EXPECT_GE(seen, 1); // vision every third cycle shows the team-mate
     first.reset();

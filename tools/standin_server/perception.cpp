@@ -13,6 +13,8 @@ using orvo::robot::Joint;
 
 constexpr double degrees_per_radian = 57.29577951308232;
 constexpr float head_height = 0.5f;
+// The camera sees this far to each side of where the head points, and up and down.
+constexpr double view_half_angle = 60;
 
 struct Landmark {
     const char* name;
@@ -68,14 +70,23 @@ public:
     void foot(const char* name) {
         put("(FRP (n %s) (c 0.00 -0.01 -0.01) (f 0.00 0.00 22.59))", name);
     }
-    /// Distance, horizontal and vertical angle of a point seen by `agent`.
-    void polar(const Agent& agent, float x, float y, float z) {
+    void text(std::string_view more) { out += more; }
+    /// " (NAME (pol D A E))": distance and angles of a point as `agent`'s
+    /// camera in its head sees it; nothing when the point is out of view.
+    bool seen(const Agent& agent, std::string_view name, float x, float y, float z) {
         const double dx = x - agent.x, dy = y - agent.y, dz = z - head_height;
         const double flat = std::hypot(dx, dy);
-        const double azimuth =
-            std::remainder(std::atan2(dy, dx) * degrees_per_radian - agent.rotation, 360.0);
-        put("(pol %.2f %.2f %.2f)", std::hypot(flat, dz), azimuth,
-            std::atan2(dz, flat) * degrees_per_radian);
+        const double pan = agent.rotation + agent.body.angle(Joint::neck_yaw);
+        const double azimuth = std::remainder(std::atan2(dy, dx) * degrees_per_radian - pan, 360.0);
+        const double elevation =
+            std::atan2(dz, flat) * degrees_per_radian - agent.body.angle(Joint::neck_pitch);
+        if (std::abs(azimuth) > view_half_angle || std::abs(elevation) > view_half_angle) {
+            return false;
+        }
+        text(" (");
+        text(name);
+        put(" (pol %.2f %.2f %.2f))", std::hypot(flat, dz), azimuth, elevation);
+        return true;
     }
 
 private:
@@ -83,21 +94,23 @@ private:
 };
 
 void write_vision(Writer& w, const Agent& agent, const Agents& agents) {
-    // Unlike a real server's camera, the stand-in's sees all round, from the body's heading.
-    w.put("(See");
+    w.text("(See");
     for (const Landmark& mark : landmarks) {
-        w.put(" (%s ", mark.name);
-        w.polar(agent, mark.x, mark.y, mark.z);
-        w.put(")");
+        w.seen(agent, mark.name, mark.x, mark.y, mark.z);
     }
     for (const auto& other : agents) {
-        if (other.get() != &agent && !other->link.closed() && other->joined()) {
-            w.put(" (P (team %s) (id %d) (head ", other->team.c_str(), other->unum);
-            w.polar(agent, other->x, other->y, head_height);
-            w.put("))");
+        if (other.get() == &agent || other->link.closed() || !other->joined()) {
+            continue;
+        }
+        std::string player =
+            "P (team " + other->team + ") (id " + std::to_string(other->unum) + ")";
+        std::string head;
+        Writer part(head);
+        if (part.seen(agent, "head", other->x, other->y, head_height)) {
+            w.text(" (" + player + head + ")");
         }
     }
-    w.put(")");
+    w.text(")");
 }
 
 } // namespace
