@@ -166,7 +166,8 @@ TEST_F(StandinServer, SyncModeServesBeamsAssignsNumbersAndReportsEverything) {
     first.reset();
     second.reset();
     const std::string summary = finish(); // the last agent gone, the run ends
-    EXPECT_NE(summary.find("sync mode (slowdown 1, pairs 0), 2 of 2 agents"), std::string::npos)
+    EXPECT_NE(summary.find("sync mode (slowdown 1, pairs 0), 2 agents (2 expected)\nplay modes: "),
+              std::string::npos)
         << summary;
     // agent 1: type 0, number 1, no pairs, 4 beams, 8 joint commands, 4 drawings
     EXPECT_TRUE(std::regex_search(
@@ -251,6 +252,10 @@ TEST_F(StandinServer, BeamsActInTheTeamsOwnHalfUntilTheKickOff) {
     // The right robot, mirrored, stands 3 m ahead of the left one and 4 m to its right.
     const std::string view = left->receive_until("(P (team red) (id 1) (head (pol 5.00 -53.13 ");
     EXPECT_NE(view, "");
+    // Voices come from where the speaker stands, as the listener faces.
+    left->send_message("(say hello)");
+    EXPECT_NE(left->receive_until("(hear blue 0.00 self hello)"), "");
+    EXPECT_NE(right->receive_until("(hear blue 0.00 -53.13 hello)"), "");
     kick_off();
     EXPECT_NE(left->receive_until("(t 0.02) (pm KickOff_Left)"), "");
     left->send_message("(beam -9 0 0)");
@@ -268,7 +273,7 @@ TEST_F(StandinServer, BeamsActInTheTeamsOwnHalfUntilTheKickOff) {
 }
 
 TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
-    start({"--agents", "1", "--cycles", "40", "--pairs", "1"});
+    start({"--agents", "2", "--cycles", "40", "--pairs", "1"});
     Client client(tcp);
     int reads = 0;
     for (; reads < 5; ++reads) {
@@ -286,7 +291,8 @@ TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
         EXPECT_EQ(frames % 2, 0);
     }
     const std::string summary = finish();
-    EXPECT_TRUE(std::regex_search(summary, std::regex("never +(\\d+) +\\d+ ")));
+    EXPECT_NE(summary.find("\nmissing: 1 of the 2 expected agents never connected\n"),
+              std::string::npos);
     std::smatch counts;
     ASSERT_TRUE(std::regex_search(summary, counts, std::regex("never +(\\d+) +(\\d+) ")));
     EXPECT_EQ(std::stoi(counts[1]), 2 * std::stoi(counts[2])) << summary;

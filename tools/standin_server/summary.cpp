@@ -20,10 +20,14 @@ void StandinServer::print_summary(std::ostream& out) const {
     const char* mode = options.sync ? "sync mode" : "real-time mode";
     std::snprintf(line, sizeof line,
                   "stand-in server: %u cycles (%.2f s simulated) in %.2f s wall time, %s "
-                  "(slowdown %g, pairs %g), %zu of %u agents\n",
+                  "(slowdown %g, pairs %g), %zu agents (%u expected)\n",
                   cycle, cycle * 0.02, seconds_between(started, finished), mode, options.slowdown,
                   options.sync ? 0.0 : options.pairs, agents.size(), options.agents);
     out << line;
+    if (agents.size() < options.agents) {
+        out << "missing: " << options.agents - agents.size() << " of the " << options.agents
+            << " expected agents never connected\n";
+    }
     out << "play modes: BeforeKickOff from cycle 1";
     if (referee.kickoff_cycle() != 0) {
         out << ", " << mode_name(referee.kickoff_mode()) << " from cycle "
