@@ -68,8 +68,9 @@ std::string Referee::refusal(const Agent& agent, std::string_view team,
     }
     std::array<int, orvo::robot::robot_types> of_type{};
     int players = 0;
+    // A robot that left the field no longer counts.
     for (const auto& other : agents) {
-        if (other->joined() && other->team == team) {
+        if (other->joined() && !other->link.closed() && other->team == team) {
             ++of_type[static_cast<std::size_t>(other->body.type())];
             ++players;
         }
@@ -121,7 +122,8 @@ void Referee::init(Agent& agent, std::string_view command, unsigned cycle, const
     agent.side = teams.front() == team ? 0 : 1;
     const auto taken = [&](int unum) {
         return std::any_of(agents.begin(), agents.end(), [&](const auto& other) {
-            return other->joined() && other->team == team && other->unum == unum;
+            return other->joined() && !other->link.closed() && other->team == team &&
+                   other->unum == unum;
         });
     };
     // 0, a number out of range or a taken one: the next free number.
