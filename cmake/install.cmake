@@ -10,8 +10,10 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/orvo/ DESTINATION ${CMAKE_INSTALL_INCLUD
   FILES_MATCHING PATTERN "*.h" PATTERN "src" EXCLUDE)
 install(EXPORT orvoTargets NAMESPACE orvo:: DESTINATION ${ORVO_CMAKE_DIR})
 
+set(ORVO_INSTALL_MOTIONS ${CMAKE_INSTALL_DATADIR}/orvo/motions)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/orvoConfig.cmake.in
-  ${PROJECT_BINARY_DIR}/orvoConfig.cmake INSTALL_DESTINATION ${ORVO_CMAKE_DIR})
+  ${PROJECT_BINARY_DIR}/orvoConfig.cmake INSTALL_DESTINATION ${ORVO_CMAKE_DIR}
+  PATH_VARS ORVO_INSTALL_MOTIONS)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/orvoConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES
@@ -24,5 +26,8 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/orvo.pc.in ${PROJECT_BINARY_DIR}/orvo
 install(FILES ${PROJECT_BINARY_DIR}/orvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 # Keyframe motions every team can play (ready stance, wave, head scan).
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/motions/ DESTINATION ${CMAKE_INSTALL_DATADIR}/orvo/motions
+# Consumers find them through ORVO_MOTIONS_DIR, set by find_package(orvo) and,
+# in this tree, to the sources.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/motions/ DESTINATION ${ORVO_INSTALL_MOTIONS}
   FILES_MATCHING PATTERN "*.motion")
+set(ORVO_MOTIONS_DIR ${PROJECT_SOURCE_DIR}/motions)
