@@ -97,7 +97,7 @@ public:
         return {start, static_cast<std::size_t>(at - start)};
     }
 
-    template <typename T> T number() {
+    template <typename T> [[gnu::always_inline]] T number() {
         if constexpr (std::is_floating_point_v<T>) {
             // Most numbers take the short way, read in the same pass that finds their end.
             skip_blanks();
