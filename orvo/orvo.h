@@ -73,4 +73,10 @@
 // robot
 #include <orvo/robot/joints.h>
 
+// perception
+#include <orvo/perception/perception.h>
+#include <orvo/perception/perception_reader.h>
+#include <orvo/perception/play_mode.h>
+#include <orvo/perception/reused_list.h>
+
 #endif
