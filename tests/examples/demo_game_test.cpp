@@ -116,7 +116,7 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
         SCOPED_TRACE("player " + std::to_string(unum));
         const auto& messages = by_connection[connection_of[unum]];
         ASSERT_GE(messages.size(), 3u);
-        EXPECT_EQ(messages[0], "(scene rsg/agent/nao/nao.rsg)");
+        EXPECT_EQ(messages[0], "(scene rsg/agent/nao/nao_hetero.rsg 0)");
         EXPECT_EQ(messages[1], "(init (unum 0)(teamname orvo))");
         // One "(syn)" ends every cycle's answer; the effectors' commands come before it.
         std::vector<std::string> commands;
