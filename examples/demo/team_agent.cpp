@@ -21,7 +21,7 @@ namespace demo {
 namespace {
 constexpr const char* source_file = "demo/team_agent.cpp";
 constexpr int line_not_connected = 47;
-constexpr int line_silent_server = 71;
+constexpr int line_silent_server = 74;
 
 std::string where(const char* function, int line) {
     return orvo::gen_ffl_string(source_file, function, line);
@@ -62,7 +62,10 @@ void TeamAgent::run() {
     // Enough for a whole real game without growing in the middle of it.
     cycle_micros.reserve(settings.cycles != 0 && settings.cycles < 8192 ? settings.cycles : 8192);
     const std::chrono::milliseconds wait(std::chrono::seconds(settings.wait));
-    while (settings.cycles == 0 || clock.cycles() < settings.cycles) {
+    // The game's length counts from the kick-off: however long the team took
+    // to gather, every agent plays the same cycles of it.
+    while (settings.cycles == 0 || !kicked_off ||
+           clock.cycles() - before_kick_off < settings.cycles) {
         const orvo::net::Received got = messenger->receive(wait);
         if (got == orvo::net::Received::closed) {
             break;
@@ -88,6 +91,10 @@ void TeamAgent::play(const std::string& message) {
     } else {
         clock.perceived(perception.now);
         world->update(perception);
+        if (!kicked_off && world->kicked_off()) {
+            kicked_off = true;
+            before_kick_off = clock.cycles() - 1;
+        }
         act();
     }
     world->drawings().execute();

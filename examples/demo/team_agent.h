@@ -32,7 +32,7 @@ class WorldModel;
 /// has sent the first perception, then plays one cycle per server message
 /// (read the perception, let a behavior act, send the drawings, end with
 /// "(syn)") until the server closes the connection or the configured number
-/// of server cycles has passed; then reports what it did.
+/// of server cycles has passed since the kick-off; then reports what it did.
 class TeamAgent : public orvo::Agent {
 public:
     void link(orvo::Class_Map& classes) override;
@@ -58,7 +58,9 @@ private:
     PerceptionParser parser;
     Perception perception;
     ServerClock clock;
-    bool joined = false; ///< "init" sent
+    bool kicked_off = false;
+    unsigned before_kick_off = 0; ///< server cycles from the first perception to the kick-off
+    bool joined = false;          ///< "init" sent
     unsigned unreadable = 0;
     std::vector<double> cycle_micros; ///< receive to "(syn)" sent, per cycle
 };

@@ -43,6 +43,8 @@ public:
     const std::string& play_mode() const { return mode; }
     /// Whether the play mode lets the agent beam: before kick-off and after a goal.
     bool may_beam() const;
+    /// Whether the game has been kicked off.
+    bool kicked_off() const { return !mode.empty() && mode != "BeforeKickOff"; }
     /// Whether the agent has beamed since it started.
     bool has_beamed() const { return beamed; }
     const orvo::math::Vector3d& position() const { return own_position; }
