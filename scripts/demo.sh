@@ -259,12 +259,12 @@ fi
 pids=()
 
 echo
-echo "== every agent: start order, robot type, number, server cycles, perceptions"
+echo "== every agent: start order, robot type, number, server cycles, perceptions, joints"
 for output in "${outputs[@]}"; do
   agent=${output#"$run"/}
   agent=${agent%/output.txt}
   type=$(sed -n 's/^type //p' "${output%output.txt}config/server.cfg")
-  line=$(awk 'NR == 1 { first = $0 } NR == 2 { print first "; " $0 } NR == 2 { exit }' "$output")
+  line=$(awk 'NR <= 2 { text = text $0 "; " } NR == 3 { print text $0; exit }' "$output")
   echo "$agent, type $type: ${line:-(no report)}"
 done
 # One agent's story: the one the server made number 7, or the first.

@@ -4,9 +4,8 @@
 #include "beam_effector.h"
 #include "beam_to.h"
 #include "find_cell.h"
-#include "head_effector.h"
 #include "hold_position.h"
-#include "look_around.h"
+#include "posture.h"
 #include "spread_out.h"
 #include "take_position.h"
 #include "team_agent.h"
@@ -21,6 +20,5 @@ ORVO_COMPONENT_FACTORY(behavior_spread_out, demo::SpreadOut)
 ORVO_COMPONENT_FACTORY(behavior_hold_position, demo::HoldPosition)
 ORVO_COMPONENT_FACTORY(skill_beam, demo::BeamTo)
 ORVO_COMPONENT_FACTORY(skill_find_cell, demo::FindCell)
-ORVO_COMPONENT_FACTORY(skill_look, demo::LookAround)
+ORVO_COMPONENT_FACTORY(skill_posture, demo::Posture)
 ORVO_COMPONENT_FACTORY(effector_beam, demo::BeamEffector)
-ORVO_COMPONENT_FACTORY(effector_head, demo::HeadEffector)

@@ -1,7 +1,7 @@
 #include "hold_position.h"
 
 #include "find_cell.h"
-#include "look_around.h"
+#include "posture.h"
 #include "world_model.h"
 
 #include <orvo/knowledgebase/injectors/injector_action.h>
@@ -13,13 +13,13 @@ void HoldPosition::link(orvo::Class_Map& classes) {
         *this, "injector_action", classes);
     world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
     find_cell = orvo::get_class<FindCell>(*this, "skill_find_cell", classes);
-    look = orvo::get_class<LookAround>(*this, "skill_look", classes);
+    posture = orvo::get_class<Posture>(*this, "skill_posture", classes);
 }
 
 void HoldPosition::operator()() {
     (*actions)(get_name(), world->time(), action_retention);
     (*find_cell)();
-    (*look)();
+    (*posture)();
 }
 
 } // namespace demo

@@ -10,12 +10,12 @@ class Injector_Action;
 namespace demo {
 
 class FindCell;
-class LookAround;
+class Posture;
 class WorldModel;
 
 /// "behavior_hold_position": once the game runs, a beam no longer moves the
 /// player; it stays where it spread out to, keeps its cell in the drawings
-/// and looks around.
+/// and its posture, the head scanning.
 class HoldPosition : public orvo::behaviors::Behavior {
 public:
     void link(orvo::Class_Map& classes) override;
@@ -26,7 +26,7 @@ private:
     orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
     WorldModel* world = nullptr;
     FindCell* find_cell = nullptr;
-    LookAround* look = nullptr;
+    Posture* posture = nullptr;
 };
 
 } // namespace demo

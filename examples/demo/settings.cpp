@@ -91,6 +91,8 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
             settings.cycles = number(file, line, key, value, 0, 100000000, "a cycle count");
         } else if (key == "wait") {
             settings.wait = number(file, line, key, value, 1, 3600, "a number of seconds");
+        } else if (key == "motions") {
+            settings.motions = value;
         } else {
             fail(file, line, "unknown setting '" + key + "'");
         }

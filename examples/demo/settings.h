@@ -19,6 +19,9 @@ struct Settings {
     unsigned int cycles =
         0;                  ///< server cycles to play from the kick-off; 0: until the server closes
     unsigned int wait = 10; ///< seconds to wait for a server message before giving up
+    /// Directory of ready.motion, wave.motion and head_scan.motion; empty:
+    /// the motions that come with the library.
+    std::string motions;
 };
 
 /// Reads "key value" lines into `settings`; "#" starts a comment, blank lines

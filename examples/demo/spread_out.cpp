@@ -2,7 +2,7 @@
 
 #include "beam_to.h"
 #include "find_cell.h"
-#include "look_around.h"
+#include "posture.h"
 #include "world_model.h"
 
 #include <orvo/knowledgebase/injectors/injector_action.h>
@@ -17,7 +17,7 @@ void SpreadOut::link(orvo::Class_Map& classes) {
     world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
     find_cell = orvo::get_class<FindCell>(*this, "skill_find_cell", classes);
     beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
-    look = orvo::get_class<LookAround>(*this, "skill_look", classes);
+    posture = orvo::get_class<Posture>(*this, "skill_posture", classes);
 }
 
 void SpreadOut::operator()() {
@@ -29,7 +29,7 @@ void SpreadOut::operator()() {
         const orvo::math::Vector2d part = step * way;
         (*beam)(orvo::math::Vector2d(me.x + part.x, me.y + part.y));
     }
-    (*look)();
+    (*posture)();
 }
 
 } // namespace demo

@@ -11,13 +11,13 @@ namespace demo {
 
 class BeamTo;
 class FindCell;
-class LookAround;
+class Posture;
 class WorldModel;
 
 /// "behavior_spread_out": while the play mode allows beams, moves the player
 /// halfway towards the centroid of its Voronoi cell among its team-mates, and
-/// looks around. Played by the whole team, cycle after cycle, this spreads the
-/// team evenly over its half.
+/// keeps its posture, the head scanning. Played by the whole team, cycle after cycle, this spreads
+/// the team evenly over its half.
 class SpreadOut : public orvo::behaviors::Behavior {
 public:
     void link(orvo::Class_Map& classes) override;
@@ -32,7 +32,7 @@ private:
     WorldModel* world = nullptr;
     FindCell* find_cell = nullptr;
     BeamTo* beam = nullptr;
-    LookAround* look = nullptr;
+    Posture* posture = nullptr;
 };
 
 } // namespace demo

@@ -1,6 +1,7 @@
 #include "take_position.h"
 
 #include "beam_to.h"
+#include "posture.h"
 #include "world_model.h"
 
 #include <orvo/knowledgebase/injectors/injector_action.h>
@@ -24,6 +25,7 @@ void TakePosition::link(orvo::Class_Map& classes) {
                                                                   classes);
     world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
     beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
+    posture = orvo::get_class<Posture>(*this, "skill_posture", classes);
 }
 
 void TakePosition::operator()() {
@@ -36,6 +38,7 @@ void TakePosition::operator()() {
     const float dx = shift();
     const float dy = shift();
     (*beam)(orvo::math::Vector2d(spot.x + dx, spot.y + dy));
+    (*posture)();
 }
 
 } // namespace demo

@@ -13,10 +13,12 @@ class Random_Number_Generator;
 namespace demo {
 
 class BeamTo;
+class Posture;
 class WorldModel;
 
 /// "behavior_take_position": before kick-off, beams the player to its spot of
-/// the formation, a little off at random so that no two games look the same.
+/// the formation, a little off at random so that no two games look the same,
+/// and takes up its posture.
 class TakePosition : public orvo::behaviors::Behavior {
 public:
     void link(orvo::Class_Map& classes) override;
@@ -30,6 +32,7 @@ private:
     orvo::math::Random_Number_Generator* random = nullptr;
     WorldModel* world = nullptr;
     BeamTo* beam = nullptr;
+    Posture* posture = nullptr;
 };
 
 } // namespace demo

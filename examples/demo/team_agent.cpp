@@ -1,5 +1,6 @@
 #include "team_agent.h"
 
+#include "posture.h"
 #include "team_configuration.h"
 #include "world_model.h"
 
@@ -39,6 +40,7 @@ void TeamAgent::link(orvo::Class_Map& classes) {
     spread_out = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_spread_out", classes);
     hold_position =
         orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_hold_position", classes);
+    posture = orvo::get_class<Posture>(*this, "skill_posture", classes);
 }
 
 void TeamAgent::run() {
@@ -86,10 +88,10 @@ void TeamAgent::run() {
 }
 
 void TeamAgent::play(const std::string& message) {
-    if (!parser.parse(message, perception)) {
+    if (!reader.read(message, perception) || !perception.has_time) {
         ++unreadable; // still answered, so that a synchronous server goes on
     } else {
-        clock.perceived(perception.now);
+        clock.perceived(perception.time);
         world->update(perception);
         if (!kicked_off && world->kicked_off()) {
             kicked_off = true;
@@ -136,8 +138,12 @@ void TeamAgent::report(std::ostream& out) {
     if (unreadable != 0) {
         out << ", " << unreadable << " unreadable messages";
     }
-    out << "\nperceptions: " << clock.received() << " received, " << clock.missed()
-        << " missed\n\n";
+    out << "\nperceptions: " << clock.received() << " received, " << clock.missed() << " missed\n";
+    char joints[96];
+    std::snprintf(joints, sizeof joints,
+                  "joints: worst error %.1f degrees over the last %zu cycles\n\n",
+                  posture->worst_recent_error(), Posture::window);
+    out << joints;
     action_log->print(out);
     out << '\n';
     if (action_log->current_action != action_log->actions.end()) {

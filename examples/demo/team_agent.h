@@ -1,10 +1,11 @@
 #ifndef ORVO_DEMO_TEAM_AGENT_H
 #define ORVO_DEMO_TEAM_AGENT_H
 
-#include "perception.h"
 #include "server_clock.h"
 
 #include <orvo/core/agent.h>
+#include <orvo/perception/perception.h>
+#include <orvo/perception/perception_reader.h>
 
 #include <chrono>
 #include <ostream>
@@ -25,6 +26,7 @@ class CommUnit;
 
 namespace demo {
 
+class Posture;
 class TeamConfiguration;
 class WorldModel;
 
@@ -55,8 +57,10 @@ private:
     orvo::behaviors::Behavior* spread_out = nullptr;
     orvo::behaviors::Behavior* hold_position = nullptr;
 
-    PerceptionParser parser;
-    Perception perception;
+    Posture* posture = nullptr;
+
+    orvo::perception::PerceptionReader reader;
+    orvo::perception::Perception perception;
     ServerClock clock;
     bool kicked_off = false;
     unsigned before_kick_off = 0; ///< server cycles from the first perception to the kick-off

@@ -34,35 +34,48 @@ void WorldModel::init() {
     debug->init(settings.host.c_str(), static_cast<int>(settings.drawing_port), 0);
 }
 
-void WorldModel::update(const Perception& perception) {
+void WorldModel::update(const orvo::perception::Perception& perception) {
+    namespace perceived = orvo::perception;
     if (perception.has_time) {
-        time_ms = static_cast<unsigned int>(std::llround(perception.now * 1000.0));
-    }
-    if (perception.unum != 0) {
-        unum = perception.unum;
-        debug->setId(unum);
-    }
-    if (!perception.side.empty()) {
-        right_side = perception.side == "right";
-        debug->setTeam(right_side ? 1 : 0);
+        time_s = perception.time;
+        time_ms = static_cast<unsigned int>(std::llround(perception.time * 1000.0));
     }
     if (perception.has_game_state) {
-        mode = perception.play_mode;
+        const perceived::GameState& state = perception.game_state;
+        if (state.unum != 0) {
+            unum = state.unum;
+            debug->setId(unum);
+        }
+        if (state.side != perceived::Side::none) {
+            right_side = state.side == perceived::Side::right;
+            debug->setTeam(right_side ? 1 : 0);
+        }
+        has_mode = true;
+        mode = state.play_mode;
     }
-    if (perception.has_head_angles) {
-        head_pan_degrees = perception.head_pan;
+    for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
+        const auto joint = static_cast<orvo::robot::Joint>(i);
+        if (perception.joints.has(joint)) {
+            angles[i] = perception.joints[joint];
+        }
     }
     if (perception.has_vision) {
         // A narrow view shows some team-mates at a time; the others stay where last seen.
         const std::string& team = configuration->settings.team;
-        for (const SeenPlayer& player : perception.players) {
-            if (player.team != team || player.id == unum) {
+        for (const perceived::SeenPlayer& player : perception.vision.players) {
+            if (player.team != team || player.id == unum || player.seen == 0) {
                 continue;
             }
+            // Where the head is, or else the first part in view.
+            std::size_t part = 0;
+            while ((player.seen >> part & 1u) == 0) {
+                ++part;
+            }
+            const orvo::math::Polar& seen = player.parts[part];
             // The eyes sit in the head, which pans; the body faces the
             // opponent's goal, so the body's frame is the team's frame.
-            const orvo::math::Vector3d relative(orvo::math::Polar(
-                player.distance, player.azimuth + head_pan_degrees, player.elevation));
+            const orvo::math::Vector3d relative(
+                orvo::math::Polar(seen.distance, seen.azimuth + head_pan(), seen.elevation));
             mates[player.id] =
                 orvo::math::Vector2d(own_position.x + relative.x, own_position.y + relative.y);
         }
@@ -70,7 +83,9 @@ void WorldModel::update(const Perception& perception) {
 }
 
 bool WorldModel::may_beam() const {
-    return mode == "BeforeKickOff" || mode == "Goal_Left" || mode == "Goal_Right";
+    using orvo::perception::PlayMode;
+    return mode == PlayMode::BeforeKickOff || mode == PlayMode::Goal_Left ||
+           mode == PlayMode::Goal_Right;
 }
 
 void WorldModel::beamed_to(float x, float y) {

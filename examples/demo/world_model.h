@@ -2,13 +2,14 @@
 #define ORVO_DEMO_WORLD_MODEL_H
 
 #include "drawing_wire.h"
-#include "perception.h"
 
 #include <orvo/debug/debug_drawings.h>
 #include <orvo/humanoid/base/constructable.h>
 #include <orvo/math/polygon.h>
 #include <orvo/math/vector2d.h>
 #include <orvo/math/vector3d.h>
+#include <orvo/perception/perception.h>
+#include <orvo/robot/joints.h>
 
 #include <map>
 #include <memory>
@@ -33,18 +34,23 @@ public:
     void init() override;
     std::string get_name() const override { return "worldmodel"; }
 
-    void update(const Perception& perception);
+    void update(const orvo::perception::Perception& perception);
 
     /// Simulation time in milliseconds: the knowledge base's clock.
     unsigned int time() const { return time_ms; }
+    /// Server time in seconds, as the last perception told it.
+    double seconds() const { return time_s; }
     int number() const { return unum; }
     bool on_right_side() const { return right_side; }
-    /// The play mode last reported ("BeforeKickOff", "PlayOn", ...).
-    const std::string& play_mode() const { return mode; }
+    /// The play mode last reported (unknown before the first, and for a name
+    /// the library does not know).
+    orvo::perception::PlayMode play_mode() const { return mode; }
     /// Whether the play mode lets the agent beam: before kick-off and after a goal.
     bool may_beam() const;
     /// Whether the game has been kicked off.
-    bool kicked_off() const { return !mode.empty() && mode != "BeforeKickOff"; }
+    bool kicked_off() const {
+        return has_mode && mode != orvo::perception::PlayMode::BeforeKickOff;
+    }
     /// Whether the agent has beamed since it started.
     bool has_beamed() const { return beamed; }
     const orvo::math::Vector3d& position() const { return own_position; }
@@ -52,7 +58,11 @@ public:
     void beamed_to(float x, float y);
     /// Team-mates where each was last seen, in the team's frame.
     std::vector<orvo::math::Vector2d> team_mates() const;
-    float head_pan() const { return head_pan_degrees; }
+    float head_pan() const {
+        return static_cast<float>(angles[orvo::robot::index(orvo::robot::Joint::neck_yaw)]);
+    }
+    /// Every joint's angle as last reported, in degrees.
+    const orvo::robot::JointValues& joint_angles() const { return angles; }
 
     orvo::math::Polygon& cell() { return own_cell; }
     orvo::DebugDrawings& drawings() { return *debug; }
@@ -65,11 +75,13 @@ private:
     unsigned int time_ms = 0;
     int unum = 0;
     bool right_side = false;
-    std::string mode;
+    double time_s = 0;
+    bool has_mode = false;
+    orvo::perception::PlayMode mode = orvo::perception::PlayMode::unknown;
     bool beamed = false;
     orvo::math::Vector3d own_position;
     std::map<int, orvo::math::Vector2d> mates;
-    float head_pan_degrees = 0;
+    orvo::robot::JointValues angles{};
     orvo::math::Polygon own_cell;
 };
 

@@ -74,6 +74,7 @@ struct Report {
     std::string agent; ///< "orvo/N", N the start order
     int number = -1;
     unsigned received = 0, missed = 0;
+    double joint_error = -1; ///< degrees, worst over the last 25 cycles
     std::string output;
 };
 
@@ -99,7 +100,8 @@ DemoRun play(const fs::path& dir, const std::vector<std::string>& options) {
     run.output = script.output_text() + script.error_text();
     run.summary = orvo_test::ChildProcess::read((dir / "server-summary.txt").string());
     const std::regex head("^agent (\\d+) of team orvo \\(left\\): (\\d+) cycles\n"
-                          "perceptions: (\\d+) received, (\\d+) missed\n");
+                          "perceptions: (\\d+) received, (\\d+) missed\n"
+                          "joints: worst error (\\d+\\.\\d) degrees over the last 25 cycles\n");
     for (int n = 1; n <= team_size; ++n) {
         Report report;
         report.agent = "orvo/" + std::to_string(n);
@@ -109,6 +111,7 @@ DemoRun play(const fs::path& dir, const std::vector<std::string>& options) {
             report.number = std::stoi(match[1]);
             report.received = std::stoul(match[3]);
             report.missed = std::stoul(match[4]);
+            report.joint_error = std::stod(match[5]);
         }
         run.agents.push_back(std::move(report));
     }
@@ -147,6 +150,10 @@ std::vector<std::string> faults(const DemoRun& run) {
         } else if (agent.received == 0 || agent.missed != 0) {
             found.push_back(agent.agent + ": " + std::to_string(agent.received) + " received, " +
                             std::to_string(agent.missed) + " missed");
+        }
+        if (agent.number >= 0 && agent.joint_error >= 2) {
+            found.push_back(agent.agent + ": joints off their targets by " +
+                            std::to_string(agent.joint_error) + " degrees");
         }
         numbers.push_back(agent.number);
     }
@@ -225,7 +232,7 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
         // The action log's effector records, oldest first, are the tail of
         // what the server received, in the same order.
         std::vector<std::string> recorded;
-        const std::regex effector("-> Effector \\(effector_(beam|head): (.*)\\)$");
+        const std::regex effector("-> Effector \\(effector_(beam|joints): (.*)\\)$");
         std::istringstream output(agent.output);
         for (std::string line; std::getline(output, line);) {
             std::smatch match;
@@ -233,7 +240,7 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
                 recorded.push_back(match[2]);
             }
         }
-        ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a head command each
+        ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a joint command each
         ASSERT_LE(recorded.size(), commands.size());
         const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
                                             commands.end());
@@ -244,12 +251,14 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
                   10u)
             << agent.output;
         EXPECT_EQ(count_of(agent.output, "-> Skill (skill_find_cell: "), 10u);
-        EXPECT_EQ(count_of(agent.output, "-> Skill (skill_look: pan "), 10u);
+        EXPECT_EQ(count_of(agent.output, "-> Skill (skill_joints: "), 10u);
+        // Every joint of the robot's type in one command a cycle.
+        EXPECT_EQ(count_of(recorded.back(), ")("), 21u) << recorded.back();
         EXPECT_EQ(count_of(agent.output, "effector_beam"), 0u);
         EXPECT_NE(agent.output.find("current action: (log (action (initiator "
                                     "behavior_hold_position)(skill_chain (skill (id "
-                                    "skill_find_cell)) (skill (id skill_look)))(effectors "
-                                    "(effector (id effector_head)))))\n"),
+                                    "skill_find_cell)) (skill (id skill_joints)))(effectors "
+                                    "(effector (id effector_joints)))))\n"),
                   std::string::npos)
             << agent.output;
         EXPECT_NE(agent.output.find("processing time per cycle (receive to send): min "),
