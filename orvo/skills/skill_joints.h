@@ -63,7 +63,7 @@ public:
     Joint_Motion(const std::string& id, const std::string& motions, std::size_t joints,
                  double worst_error);
     ~Joint_Motion() override;
-    /// "<id>: <motions or holding>, <joints> joints, worst error <deg> deg".
+    /// "<id>: <motions or holding>, <joints> joints, worst error <deg, 2 decimals> deg".
     std::ostream& print(std::ostream& out) const override;
 };
 

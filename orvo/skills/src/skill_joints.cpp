@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace orvo::skills {
 
@@ -66,10 +67,12 @@ Joint_Motion::~Joint_Motion() = default;
 
 std::ostream& Joint_Motion::print(std::ostream& out) const {
     const auto& motions = boost::any_cast<const std::string&>(get_property("motions").get_value());
+    char error[32];
+    std::snprintf(error, sizeof error, "%.2f",
+                  boost::any_cast<double>(get_property("worst_error").get_value()));
     return out << id << ": " << (motions.empty() ? "holding" : motions) << ", "
                << boost::any_cast<std::size_t>(get_property("joints").get_value())
-               << " joints, worst error "
-               << boost::any_cast<double>(get_property("worst_error").get_value()) << " deg";
+               << " joints, worst error " << error << " deg";
 }
 
 } // namespace orvo::skills
