@@ -17,13 +17,15 @@ namespace orvo::skills {
 /// that jumps does not kick. Targets are clamped to the joint's range (a
 /// clamped target does not move), speeds to the server's speed limit.
 ///
-/// The defaults settle a 230-degree swing within 2 degrees in about 35 cycles
-/// and stay stable when the server applies a speed one or two cycles late.
+/// The defaults settle a 230-degree swing within 2 degrees in about 40 cycles
+/// and stay stable when the server applies a speed up to three cycles late;
+/// following a motion, a joint keeps within a degree of it when its speed acts
+/// a cycle late, within two when two cycles late.
 class ORVO_API JointController {
 public:
     struct Gains {
-        double proportional = 20.0; ///< per second
-        double derivative = 0.2;    ///< dimensionless
+        double proportional = 15.0; ///< per second
+        double derivative = 0.6;    ///< dimensionless
     };
 
     JointController() = default;

@@ -100,6 +100,41 @@ TEST(JointController, ReachesEveryTargetWithinTheRangesAndTheSpeedLimit) {
     }
 }
 
+TEST(JointController, FollowsTheShippedMotionsEvenWhenCommandsActLate) {
+    const auto motion = [](const char* name) {
+        return std::make_shared<Motion>(
+            Motion::load(std::string(ORVO_MOTIONS) + "/" + name + ".motion"));
+    };
+    const auto ready = motion("ready"), scan = motion("head_scan"), wave = motion("wave");
+    // The worst distance from the motions' targets, by cycles of latency.
+    const std::pair<int, double> limits[] = {{0, 1.0}, {1, 1.0}, {2, 2.5}};
+    for (const auto& [latency, limit] : limits) {
+        SCOPED_TRACE(latency);
+        MotionPlayer player;
+        player.play(ready);
+        player.play(scan, true);
+        ServerJoints server(latency);
+        JointController controller;
+        JointValues speeds{};
+        double worst = 0;
+        for (int cycle = 0; cycle < 400; ++cycle) {
+            if (cycle == 100) {
+                player.play(wave);
+            }
+            player.update(cycle * orvo::robot::cycle_seconds, server.angles);
+            for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
+                if (player.driven().test(i)) {
+                    worst = std::max(worst, std::fabs(player.targets()[i] - server.angles[i]));
+                }
+            }
+            controller.step(player.targets(), player.rates(), server.angles,
+                            orvo::robot::joints_of(0), speeds);
+            server.apply(speeds);
+        }
+        EXPECT_LT(worst, limit);
+    }
+}
+
 TEST(MotionPlayer, EasesFromKeyframeToKeyframeAndHandsJointsOver) {
     const auto swing = std::make_shared<Motion>(Motion::parse(
         "1 neck_yaw=40 neck_pitch=200 # beyond the range\n1 neck_yaw=-40\n", "swing"));
