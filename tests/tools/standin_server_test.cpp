@@ -213,7 +213,7 @@ TEST_F(StandinServer, JoiningFollowsTheRealServersRules) {
     team.clear();
     const std::string summary = finish();
     for (const char* line :
-         {"\nagent 1: cycle \\d+: init before the agent's first perception ignored\n",
+         {"\nagent 1: cycle \\d+: init before the robot's first perception ignored\n",
           "\nagent 11: cycle \\d+: init refused: it would be robot 8 of type 0 in team blue \\(at "
           "most 7 of one type\\)\n",
           "\nagent 12: cycle \\d+: init refused: types 0 and 1 would be 10 robots in team blue "
@@ -275,6 +275,7 @@ TEST_F(StandinServer, BeamsActInTheTeamsOwnHalfUntilTheKickOff) {
 TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
     start({"--agents", "2", "--cycles", "40", "--pairs", "1"});
     Client client(tcp);
+    client.send_message("(scene rsg/agent/nao/nao.rsg)");
     int reads = 0;
     for (; reads < 5; ++reads) {
         ASSERT_TRUE(orvo_test::readable(client.socket.getFD()));
@@ -334,9 +335,8 @@ TEST_F(StandinServer, JointsTurnWithinTheirSpeedLimitAndRangeForTheRobotsType) {
 TEST_F(StandinServer, ASilentAgentDelaysASyncCycleOnlyUntilTheTimeout) {
     start(
         {"--agents", "1", "--cycles", "5", "--slowdown", "5", "--sync", "--cycle-timeout", "0.1"});
-    Client mute(tcp);
-    EXPECT_NE(mute.receive(), "");
-    EXPECT_NE(mute.receive(), "");
+    auto mute = arrive(0);
+    EXPECT_NE(mute->receive(), "");
     EXPECT_NE(finish().find("5 cycles"), std::string::npos);
     EXPECT_NE(server->error_text().find("did not answer within 0.1 s"), std::string::npos);
 }

@@ -119,11 +119,12 @@ int StandinServer::run(std::ostream& messages) {
 }
 
 bool StandinServer::stepping_on_answers(Clock::time_point start_deadline) const {
-    // Until the expected agents are there, a synchronous server keeps the
+    // Until the expected agents perceive, a synchronous server keeps the
     // real-time pace, so that they connect in cycles of their own.
-    return options.sync &&
-           std::any_of(agents.begin(), agents.end(), [](const auto& a) { return a->awaiting; }) &&
-           (agents.size() >= options.agents || Clock::now() >= start_deadline);
+    const auto perceiving =
+        std::count_if(agents.begin(), agents.end(), [](const auto& a) { return a->perceives(); });
+    return options.sync && !all_answered() &&
+           (static_cast<unsigned>(perceiving) >= options.agents || Clock::now() >= start_deadline);
 }
 
 void StandinServer::begin_cycle() {
@@ -136,12 +137,12 @@ void StandinServer::begin_cycle() {
     referee.advance(cycle);
     const Moment moment{cycle, cycle * cycle_seconds, referee.game_time(cycle), referee.mode()};
     for (auto& agent : agents) {
-        if (agent->in_game && !agent->link.closed()) {
+        if (agent->perceives()) {
             agent->body.advance(cycle_seconds);
         }
     }
     for (auto& agent : agents) {
-        if (agent->in_game && !agent->link.closed()) {
+        if (agent->perceives()) {
             std::string frame;
             Link::append_frame(frame, write_perception(*agent, moment, agents));
             agent->heard.clear();
