@@ -188,8 +188,9 @@ void StandinServer::admit_agents() {
                 others += (others.empty() ? " " : ", ") + std::to_string(other->number);
             }
         }
-        agent->note(agent->connected_cycle,
-                    "connected in the same cycle as agent" + others + ": not taken into the game");
+        agent->note(agent->connected_cycle, std::string("connected in the same cycle as ") +
+                                                (arrived.size() > 2 ? "agents" : "agent") + others +
+                                                ": not taken into the game");
     }
 }
 
@@ -206,6 +207,9 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
         }
         fds.assign({pollfd{listener, POLLIN, 0}, pollfd{drawing_socket, POLLIN, 0},
                     pollfd{monitor_listener, POLLIN, 0}});
+        monitors.erase(std::remove_if(monitors.begin(), monitors.end(),
+                                      [](const auto& link) { return link->closed(); }),
+                       monitors.end());
         links.clear();
         const std::size_t agent_links = agents.size();
         for (auto& agent : agents) {
@@ -247,7 +251,6 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
             if (i < agent_links) {
                 Agent& agent = *agents[i];
                 agent.link.receive([&](std::string_view frame) { handle_message(agent, frame); });
-                agent.awaiting = agent.awaiting && !agent.link.closed();
             } else {
                 links[i]->receive([&](std::string_view frame) { handle_monitor(frame); });
             }
@@ -310,7 +313,8 @@ void StandinServer::read_drawings() {
 }
 
 bool StandinServer::all_answered() const {
-    return std::none_of(agents.begin(), agents.end(), [](const auto& a) { return a->awaiting; });
+    return std::none_of(agents.begin(), agents.end(),
+                        [](const auto& a) { return a->awaiting && !a->link.closed(); });
 }
 
 unsigned StandinServer::open_agents() const {
