@@ -273,7 +273,7 @@ TEST_F(StandinServer, BeamsActInTheTeamsOwnHalfUntilTheKickOff) {
 }
 
 TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
-    start({"--agents", "2", "--cycles", "40", "--pairs", "1"});
+    start({"--agents", "2", "--cycles", "40", "--pairs", "1", "--kickoff-after", "5"});
     Client client(tcp);
     client.send_message("(scene rsg/agent/nao/nao.rsg)");
     int reads = 0;
@@ -292,8 +292,10 @@ TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
         EXPECT_EQ(frames % 2, 0);
     }
     const std::string summary = finish();
-    EXPECT_NE(summary.find("\nmissing: 1 of the 2 expected agents never connected\n"),
-              std::string::npos);
+    EXPECT_NE(summary.find("\nmissing: 1 of the 2 expected agents never connected\nplay modes: "
+                           "BeforeKickOff from cycle 1, KickOff_Left from cycle 5\n"),
+              std::string::npos)
+        << summary;
     std::smatch counts;
     ASSERT_TRUE(std::regex_search(summary, counts, std::regex("never +(\\d+) +(\\d+) ")));
     EXPECT_EQ(std::stoi(counts[1]), 2 * std::stoi(counts[2])) << summary;
