@@ -18,6 +18,7 @@
 #include <orvo/net/addr.h>
 #include <orvo/net/comm_unit.h>
 #include <orvo/net/errors.h>
+#include <orvo/net/frame_reader.h>
 #include <orvo/net/socket.h>
 #include <orvo/net/socket_stream_buf.h>
 #include <orvo/net/tcp_socket.h>
