@@ -103,3 +103,22 @@ reader = {
 }
 for name, data in reader.items():
     write("frame_reader_fuzzer", name, data)
+
+
+# Perception messages: every message recorded from a real server, and one
+# made-up message with every kind of element the reader knows.
+recorded = pathlib.Path(__file__).resolve().parent.parent / "tests" / "perception" / "data"
+for recording in ("server-messages.txt", "team-messages.txt"):
+    lines = (recorded / recording).read_bytes().splitlines()
+    for number, line in enumerate(lines, 1):
+        write("perception_reader_fuzzer", f"{recording[:-4]}-{number:02}", line)
+write(
+    "perception_reader_fuzzer",
+    "every_element",
+    b"(time (now 12.5))(GS (unum 11) (team right) (sl 2) (sr 3) (t 304.5) (pm corner_kick_left))"
+    b"(GYR (n torso) (rt 1 -2 3.5))(ACC (n torso) (a 0.1 0.2 9.75))(HJ (n llj7) (ax 12.5))"
+    b"(HJ (ax -3) (n rlj7))(FRP (n lf1) (c 0.01 0.02 -0.01) (f 1 2 30))(mypos -3.25 2 0.35)"
+    b"(See (F1L (pol 1 2 3)) (G2R (pol 10 11 12)) (B (pol 0.5 -10 -20)) (P (team orvo) (id 7) "
+    b"(rfoot (pol 2 3 4)) (head (pol 1 2 3))) (L (pol 1 2 3) (pol 4 5 6)))"
+    b"(hear orvo 12.40 -90.5 pass)(hear 12.42 self go)",
+)

@@ -64,6 +64,14 @@
 
 // effectors
 #include <orvo/effectors/effector.h>
+
+// robot
 #include <orvo/robot/joints.h>
+
+// perception
+#include <orvo/perception/perception.h>
+#include <orvo/perception/perception_reader.h>
+#include <orvo/perception/play_mode.h>
+#include <orvo/perception/reused_list.h>
 
 #endif
