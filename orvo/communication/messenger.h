@@ -40,7 +40,7 @@ public:
     /// the kept message with the next whole frame's payload, waiting at most
     /// `wait` for it, or with "" when none came (timed_out) or the server has
     /// gone (closed). A frame over the reader's limit closes the connection
-    /// and raises net::FrameTooLarge.
+    /// and raises net::FrameTooLarge. Without a CommUnit: closed.
     net::Received receive(std::chrono::milliseconds wait);
     /// The kept message.
     std::string get_message() const;
