@@ -60,16 +60,14 @@ std::string Referee::refusal(const Agent& agent, std::string_view team,
     if (team.empty()) {
         return "init without a team name ignored";
     }
-    if (!agent.scene) {
-        return "init before a scene ignored: there is no robot to join";
-    }
     if (teams.size() == 2 && std::find(teams.begin(), teams.end(), team) == teams.end()) {
         return "init refused: two other teams already play";
     }
     std::array<int, orvo::robot::robot_types> of_type{};
     int players = 0;
+    // A robot that left the field no longer counts.
     for (const auto& other : agents) {
-        if (other->joined() && other->team == team) {
+        if (other->joined() && !other->link.closed() && other->team == team) {
             ++of_type[static_cast<std::size_t>(other->body.type())];
             ++players;
         }
@@ -104,9 +102,13 @@ void Referee::init(Agent& agent, std::string_view command, unsigned cycle, const
         ++agent.ignored;
         return;
     }
+    if (!agent.scene) {
+        agent.note(cycle, "init before a scene ignored: there is no robot to join");
+        return;
+    }
     if (agent.perceptions == 0) {
-        // The robot does not exist for the game until it has perceived once.
-        agent.note(cycle, "init before the agent's first perception ignored");
+        // The robot of a scene comes into being when the server next steps.
+        agent.note(cycle, "init before the robot's first perception ignored");
         return;
     }
     const std::string team(value_of(command, "teamname").value_or(""));
@@ -121,7 +123,8 @@ void Referee::init(Agent& agent, std::string_view command, unsigned cycle, const
     agent.side = teams.front() == team ? 0 : 1;
     const auto taken = [&](int unum) {
         return std::any_of(agents.begin(), agents.end(), [&](const auto& other) {
-            return other->joined() && other->team == team && other->unum == unum;
+            return other->joined() && !other->link.closed() && other->team == team &&
+                   other->unum == unum;
         });
     };
     // 0, a number out of range or a taken one: the next free number.
