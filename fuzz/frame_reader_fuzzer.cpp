@@ -26,6 +26,8 @@
 // stream has ended.
 #include <orvo/net/frame_reader.h>
 
+#include "fuzz_input.h"
+
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -43,42 +45,15 @@ using orvo::net::FrameReader;
 using orvo::net::FrameTooLarge;
 using orvo::net::Received;
 
+using fuzz::broken_harness;
+using fuzz::Input;
+
 namespace {
 
 [[noreturn]] void finding(const char* what) {
     std::fprintf(stderr, "frame reader finding: %s\n", what);
     std::abort();
 }
-
-[[noreturn]] void broken_harness(const char* what) {
-    std::perror(what);
-    std::exit(1);
-}
-
-class Input {
-public:
-    Input(const std::uint8_t* data, std::size_t size) : data(data), size(size) {}
-    bool done() const { return at >= size; }
-    std::uint8_t byte() { return at < size ? data[at++] : 0; }
-    std::uint32_t number(int bytes) {
-        std::uint32_t value = 0;
-        for (int i = 0; i < bytes; ++i) {
-            value = value << 8 | byte();
-        }
-        return value;
-    }
-    std::string bytes(std::size_t count) {
-        const std::size_t taken = std::min(count, size - std::min(at, size));
-        std::string piece(reinterpret_cast<const char*>(data + at), taken);
-        at += taken;
-        return piece;
-    }
-
-private:
-    const std::uint8_t* data;
-    std::size_t size;
-    std::size_t at = 0;
-};
 
 std::string prefix(std::uint32_t length) {
     std::string bytes(4, '\0');

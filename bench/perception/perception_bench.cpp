@@ -5,7 +5,7 @@
 // Besides time and bytes per second, each benchmark reports the allocations
 // per message once both readers have read every message twice.
 
-#include "allocation_counter.h"
+#include "support/allocation_counter.h"
 #include "legacy_perception.h"
 
 #include <orvo/perception/perception_reader.h>

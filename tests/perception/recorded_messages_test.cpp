@@ -2,7 +2,7 @@
 // a few are checked value by value (values copied from the recording by
 // hand), and every cut of every message fails cleanly or reads as the
 // whole elements before the cut.
-#include "allocation_counter.h"
+#include "support/allocation_counter.h"
 
 #include <orvo/perception/perception_reader.h>
 

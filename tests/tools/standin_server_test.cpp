@@ -213,7 +213,7 @@ TEST_F(StandinServer, JoiningFollowsTheRealServersRules) {
     team.clear();
     const std::string summary = finish();
     for (const char* line :
-         {"\nagent 1: cycle \\d+: init before the agent's first perception ignored\n",
+         {"\nagent 1: cycle \\d+: init before the robot's first perception ignored\n",
           "\nagent 11: cycle \\d+: init refused: it would be robot 8 of type 0 in team blue \\(at "
           "most 7 of one type\\)\n",
           "\nagent 12: cycle \\d+: init refused: types 0 and 1 would be 10 robots in team blue "
@@ -273,8 +273,9 @@ TEST_F(StandinServer, BeamsActInTheTeamsOwnHalfUntilTheKickOff) {
 }
 
 TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
-    start({"--agents", "2", "--cycles", "40", "--pairs", "1"});
+    start({"--agents", "2", "--cycles", "40", "--pairs", "1", "--kickoff-after", "5"});
     Client client(tcp);
+    client.send_message("(scene rsg/agent/nao/nao.rsg)");
     int reads = 0;
     for (; reads < 5; ++reads) {
         ASSERT_TRUE(orvo_test::readable(client.socket.getFD()));
@@ -291,8 +292,10 @@ TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
         EXPECT_EQ(frames % 2, 0);
     }
     const std::string summary = finish();
-    EXPECT_NE(summary.find("\nmissing: 1 of the 2 expected agents never connected\n"),
-              std::string::npos);
+    EXPECT_NE(summary.find("\nmissing: 1 of the 2 expected agents never connected\nplay modes: "
+                           "BeforeKickOff from cycle 1, KickOff_Left from cycle 5\n"),
+              std::string::npos)
+        << summary;
     std::smatch counts;
     ASSERT_TRUE(std::regex_search(summary, counts, std::regex("never +(\\d+) +(\\d+) ")));
     EXPECT_EQ(std::stoi(counts[1]), 2 * std::stoi(counts[2])) << summary;
@@ -334,9 +337,8 @@ TEST_F(StandinServer, JointsTurnWithinTheirSpeedLimitAndRangeForTheRobotsType) {
 TEST_F(StandinServer, ASilentAgentDelaysASyncCycleOnlyUntilTheTimeout) {
     start(
         {"--agents", "1", "--cycles", "5", "--slowdown", "5", "--sync", "--cycle-timeout", "0.1"});
-    Client mute(tcp);
-    EXPECT_NE(mute.receive(), "");
-    EXPECT_NE(mute.receive(), "");
+    auto mute = arrive(0);
+    EXPECT_NE(mute->receive(), "");
     EXPECT_NE(finish().find("5 cycles"), std::string::npos);
     EXPECT_NE(server->error_text().find("did not answer within 0.1 s"), std::string::npos);
 }

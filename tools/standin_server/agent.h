@@ -34,8 +34,11 @@ struct Agent {
     Link link;
     int number;               ///< connection order, from 1
     unsigned connected_cycle; ///< the server cycle during which the connection arrived
-    bool in_game = false;     ///< gets perceptions, from the cycle after it connected
-    bool scene = false;
+    bool in_game = false;     ///< not left out for connecting with another
+    bool scene = false;       ///< its robot exists
+    /// Whether it perceives this cycle: its robot exists from the cycle after
+    /// the connection and the scene, as on a real server.
+    bool perceives() const { return in_game && scene && !link.closed(); }
     Body body;
 
     std::string team;

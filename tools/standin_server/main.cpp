@@ -19,15 +19,16 @@ A stand-in for a 3D soccer simulation server on 127.0.0.1 that keeps a real
 server's rules. Agents connect over TCP and exchange 4-byte big-endian framed
 s-expressions. The clock runs from start-up (cycle 1, 20 ms of simulated time
 per cycle); an agent gets a perception every cycle from the cycle after it
-connected: time, game state, joints, gyroscope, accelerometer, foot forces,
+connected and sent its scene, before any init: time, game state, joints,
+gyroscope, accelerometer, foot forces,
 "(See ...)" every third cycle, heard messages, and "(mypos X Y Z)", which a
 real server never sends.
 
 Rules, as a real server has them (each refusal is a line of the summary):
   - "(scene rsg/agent/nao/nao_hetero.rsg T)" makes a robot of type T (0 to 4;
     "(scene rsg/agent/nao/nao.rsg)" is type 0);
-  - "(init (unum N)(teamname NAME))" is ignored before the agent's first
-    perception, and refused when its team would have more than 7 robots of
+  - "(init (unum N)(teamname NAME))" is ignored before the robot's first
+    perception (so also in the scene's message), and refused when its team would have more than 7 robots of
     one type or more than 9 of two types together; N 0 picks a number;
   - agents that connect in the same cycle are not taken into the game;
   - "(beam X Y ROT)" acts only before the kick-off, in the team's own half

@@ -60,9 +60,6 @@ std::string Referee::refusal(const Agent& agent, std::string_view team,
     if (team.empty()) {
         return "init without a team name ignored";
     }
-    if (!agent.scene) {
-        return "init before a scene ignored: there is no robot to join";
-    }
     if (teams.size() == 2 && std::find(teams.begin(), teams.end(), team) == teams.end()) {
         return "init refused: two other teams already play";
     }
@@ -105,9 +102,13 @@ void Referee::init(Agent& agent, std::string_view command, unsigned cycle, const
         ++agent.ignored;
         return;
     }
+    if (!agent.scene) {
+        agent.note(cycle, "init before a scene ignored: there is no robot to join");
+        return;
+    }
     if (agent.perceptions == 0) {
-        // The robot does not exist for the game until it has perceived once.
-        agent.note(cycle, "init before the agent's first perception ignored");
+        // The robot of a scene comes into being when the server next steps.
+        agent.note(cycle, "init before the robot's first perception ignored");
         return;
     }
     const std::string team(value_of(command, "teamname").value_or(""));

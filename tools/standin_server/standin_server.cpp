@@ -119,11 +119,12 @@ int StandinServer::run(std::ostream& messages) {
 }
 
 bool StandinServer::stepping_on_answers(Clock::time_point start_deadline) const {
-    // Until the expected agents are there, a synchronous server keeps the
+    // Until the expected agents perceive, a synchronous server keeps the
     // real-time pace, so that they connect in cycles of their own.
-    return options.sync &&
-           std::any_of(agents.begin(), agents.end(), [](const auto& a) { return a->awaiting; }) &&
-           (agents.size() >= options.agents || Clock::now() >= start_deadline);
+    const auto perceiving =
+        std::count_if(agents.begin(), agents.end(), [](const auto& a) { return a->perceives(); });
+    return options.sync && !all_answered() &&
+           (static_cast<unsigned>(perceiving) >= options.agents || Clock::now() >= start_deadline);
 }
 
 void StandinServer::begin_cycle() {
@@ -136,12 +137,12 @@ void StandinServer::begin_cycle() {
     referee.advance(cycle);
     const Moment moment{cycle, cycle * cycle_seconds, referee.game_time(cycle), referee.mode()};
     for (auto& agent : agents) {
-        if (agent->in_game && !agent->link.closed()) {
+        if (agent->perceives()) {
             agent->body.advance(cycle_seconds);
         }
     }
     for (auto& agent : agents) {
-        if (agent->in_game && !agent->link.closed()) {
+        if (agent->perceives()) {
             std::string frame;
             Link::append_frame(frame, write_perception(*agent, moment, agents));
             agent->heard.clear();
@@ -187,8 +188,9 @@ void StandinServer::admit_agents() {
                 others += (others.empty() ? " " : ", ") + std::to_string(other->number);
             }
         }
-        agent->note(agent->connected_cycle,
-                    "connected in the same cycle as agent" + others + ": not taken into the game");
+        agent->note(agent->connected_cycle, std::string("connected in the same cycle as ") +
+                                                (arrived.size() > 2 ? "agents" : "agent") + others +
+                                                ": not taken into the game");
     }
 }
 
@@ -205,6 +207,9 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
         }
         fds.assign({pollfd{listener, POLLIN, 0}, pollfd{drawing_socket, POLLIN, 0},
                     pollfd{monitor_listener, POLLIN, 0}});
+        monitors.erase(std::remove_if(monitors.begin(), monitors.end(),
+                                      [](const auto& link) { return link->closed(); }),
+                       monitors.end());
         links.clear();
         const std::size_t agent_links = agents.size();
         for (auto& agent : agents) {
@@ -246,7 +251,6 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
             if (i < agent_links) {
                 Agent& agent = *agents[i];
                 agent.link.receive([&](std::string_view frame) { handle_message(agent, frame); });
-                agent.awaiting = agent.awaiting && !agent.link.closed();
             } else {
                 links[i]->receive([&](std::string_view frame) { handle_monitor(frame); });
             }
@@ -309,7 +313,8 @@ void StandinServer::read_drawings() {
 }
 
 bool StandinServer::all_answered() const {
-    return std::none_of(agents.begin(), agents.end(), [](const auto& a) { return a->awaiting; });
+    return std::none_of(agents.begin(), agents.end(),
+                        [](const auto& a) { return a->awaiting && !a->link.closed(); });
 }
 
 unsigned StandinServer::open_agents() const {

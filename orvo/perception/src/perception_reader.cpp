@@ -3,7 +3,6 @@
 
 #include <orvo/perception/perception_reader.h>
 
-#include <cstring>
 #include <optional>
 
 namespace orvo::perception {
@@ -17,10 +16,12 @@ using detail::Scanner;
 
 // Perceptor names have at most four characters; packed into one integer
 // they are found by comparing integers, not strings.
+// (Shifted into a register: bytes copied into memory and read back as one
+// integer would stall the processor's store forwarding.)
 std::uint32_t pack(std::string_view name) {
     std::uint32_t key = 0;
-    if (!name.empty()) {
-        std::memcpy(&key, name.data(), name.size());
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        key |= std::uint32_t{static_cast<unsigned char>(name[i])} << (8 * i);
     }
     return key;
 }

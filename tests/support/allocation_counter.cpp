@@ -1,4 +1,4 @@
-// Kept apart from the benchmarks so that the compiler never pairs these
+// Kept apart from the tests and benchmarks that count so that the compiler never pairs these
 // replacements with the standard ones when it inlines.
 #include "allocation_counter.h"
 
