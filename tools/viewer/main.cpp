@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -167,15 +168,10 @@ int main(int argc, char** argv) {
     boost::asio::signal_set signals(io, SIGINT, SIGTERM, SIGUSR1);
     const auto stop = [&] {
         signals.cancel();
+        deadline.cancel();
         listener->stop();
         page->stop();
-        // Browsers get a second to acknowledge the close; then the viewer goes regardless.
-        deadline.expires_after(std::chrono::seconds(1));
-        deadline.async_wait([&](const boost::system::error_code& error) {
-            if (!error) {
-                io.stop();
-            }
-        });
+        io.stop();
     };
     std::function<void()> wait_for_signal = [&] {
         signals.async_wait([&](const boost::system::error_code& error, int number) {
@@ -201,6 +197,9 @@ int main(int argc, char** argv) {
         });
     }
     io.run();
+    // Browsers get a second to acknowledge the close; then the viewer goes regardless.
+    io.restart();
+    io.run_for(std::chrono::seconds(1));
 
     write_svg();
     const auto& counts = store.counts();
