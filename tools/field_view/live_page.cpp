@@ -109,7 +109,12 @@ void PageServer::stop() {
         }
     }
     requests.clear();
-    const auto leaving = clients;
+    // From now on only their pending operations keep the clients alive, so
+    // that a peer that never answers the close cannot keep them beyond the
+    // io_context.
+    const auto leaving = std::move(clients);
+    clients.clear();
+    client_count = 0;
     for (const auto& client : leaving) {
         client->close();
     }
