@@ -24,6 +24,8 @@
 // is one complete frame).
 #include <orvo/net/comm_unit.h>
 
+#include "fuzz_input.h"
+
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -36,6 +38,9 @@
 #include <deque>
 #include <string>
 
+using fuzz::broken_harness;
+using fuzz::Input;
+
 namespace {
 
 constexpr std::size_t buffer_size = 16384;
@@ -45,36 +50,6 @@ constexpr std::size_t prefix_size = 4;
     std::fprintf(stderr, "receive path finding: %s (%zu bytes)\n", what, detail.size());
     std::abort();
 }
-
-[[noreturn]] void broken_harness(const char* what) {
-    std::perror(what);
-    std::exit(1);
-}
-
-class Input {
-public:
-    Input(const std::uint8_t* data, std::size_t size) : data(data), size(size) {}
-    bool done() const { return at >= size; }
-    std::uint8_t byte() { return at < size ? data[at++] : 0; }
-    std::uint32_t number(int bytes) {
-        std::uint32_t value = 0;
-        for (int i = 0; i < bytes; ++i) {
-            value = value << 8 | byte();
-        }
-        return value;
-    }
-    std::string bytes(std::size_t count) {
-        const std::size_t taken = std::min(count, size - std::min(at, size));
-        std::string piece(reinterpret_cast<const char*>(data + at), taken);
-        at += taken;
-        return piece;
-    }
-
-private:
-    const std::uint8_t* data;
-    std::size_t size;
-    std::size_t at = 0;
-};
 
 /// Whether a piece is waiting at `fd` (the end of the stream does not count).
 bool piece_waiting(int fd) {

@@ -64,3 +64,61 @@ comm = {
 }
 for name, data in comm.items():
     write("comm_unit_fuzzer", name, data)
+
+
+# Frame sequences for the lossless reader: a limit, frames, cuts and reads.
+def limit(value):
+    return struct.pack(">H", value)
+
+
+def payload_frame(data):
+    return b"p" + struct.pack(">H", len(data)) + data
+
+
+def repeated_frame(count, byte):
+    return b"f" + struct.pack(">H", count) + bytes([byte])
+
+
+def cut(after):
+    return b"c" + struct.pack(">H", after - 1)
+
+
+perception = b"(time (now 12.34))(GS (t 0.00) (pm BeforeKickOff))" + b"(HJ (n hj1) (ax 0.0))" * 40
+reader = {
+    "one_frame": limit(4096) + payload_frame(b"(init)"),
+    "pair_per_read": limit(4096) + payload_frame(perception) + payload_frame(perception) + b"r",
+    "split_prefix": limit(64) + payload_frame(b"(see)") + payload_frame(b"(hear)") + cut(7) + b"r"
+    + cut(3) + b"r",
+    "drip": limit(64) + payload_frame(b"(a)") + payload_frame(b"") + payload_frame(b"(b)")
+    + b"".join(cut(1) + b"r" for _ in range(20)),
+    "ten_in_one_read": limit(64) + b"".join(payload_frame(bytes([48 + i])) for i in range(10)) + b"r",
+    "empty_frames": limit(0) + payload_frame(b"") + payload_frame(b"") + cut(5) + b"r",
+    "larger_than_a_read": limit(65535) + repeated_frame(40000, ord("x")) + payload_frame(b"(after)")
+    + cut(20000) + b"r",
+    "oversize_after_frames": limit(16) + payload_frame(b"(ok)") + b"o" + struct.pack(">I", 0)
+    + payload_frame(b"(never)") + cut(6) + b"r",
+    "oversize_frame": limit(8) + payload_frame(b"(too long)") + b"r",
+    "largest_prefix": limit(65535) + b"o" + struct.pack(">I", 0xFFFFFFFF),
+    "ends_mid_frame": limit(256) + payload_frame(b"(last)") + b"h" + struct.pack(">H", 100) + b"r",
+}
+for name, data in reader.items():
+    write("frame_reader_fuzzer", name, data)
+
+
+# Perception messages: every message recorded from a real server, and one
+# made-up message with every kind of element the reader knows.
+recorded = pathlib.Path(__file__).resolve().parent.parent / "tests" / "perception" / "data"
+for recording in ("server-messages.txt", "team-messages.txt"):
+    lines = (recorded / recording).read_bytes().splitlines()
+    for number, line in enumerate(lines, 1):
+        write("perception_reader_fuzzer", f"{recording[:-4]}-{number:02}", line)
+write(
+    "perception_reader_fuzzer",
+    "every_element",
+    b"(time (now 12.5))(GS (unum 11) (team right) (sl 2) (sr 3) (t 304.5) (pm corner_kick_left))"
+    b"(GYR (n torso) (rt 1 -2 3.5))(ACC (n torso) (a 0.1 0.2 9.75))(HJ (n llj7) (ax 12.5))"
+    b"(HJ (ax -3) (n rlj7))(FRP (n lf1) (c 0.01 0.02 -0.01) (f 1 2 30))(mypos -3.25 2 0.35)"
+    b"(See (F1L (pol 1 2 3)) (G2R (pol 10 11 12)) (B (pol 0.5 -10 -20)) (P (team orvo) (id 7) "
+    b"(rfoot (pol 2 3 4)) (head (pol 1 2 3))) (L (pol 1 2 3) (pol 4 5 6)))"
+    b"(hear orvo 12.40 -90.5 pass)(hear 12.42 self go)",
+)

@@ -18,6 +18,7 @@
 #include <orvo/net/addr.h>
 #include <orvo/net/comm_unit.h>
 #include <orvo/net/errors.h>
+#include <orvo/net/frame_reader.h>
 #include <orvo/net/socket.h>
 #include <orvo/net/socket_stream_buf.h>
 #include <orvo/net/tcp_socket.h>
@@ -63,6 +64,14 @@
 
 // effectors
 #include <orvo/effectors/effector.h>
+
+// robot
 #include <orvo/robot/joints.h>
+
+// perception
+#include <orvo/perception/perception.h>
+#include <orvo/perception/perception_reader.h>
+#include <orvo/perception/play_mode.h>
+#include <orvo/perception/reused_list.h>
 
 #endif

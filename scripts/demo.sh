@@ -118,7 +118,7 @@ if [ ! -s "$run/ports" ]; then
   cat "$run/server-messages.txt" >&2
   exit 1
 fi
-read -r tcp_port udp_port < "$run/ports"
+read -r tcp_port udp_port _ < "$run/ports"
 outputs=()
 agent_pids=()
 for dir in "${team_dirs[@]}"; do

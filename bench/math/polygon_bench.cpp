@@ -2,11 +2,8 @@
 // against the same cell clipped out of the field with Boost.Geometry.
 #include <orvo/math/polygon.h>
 
-#define BOOST_GEOMETRY_NO_ROBUSTNESS
 #include <benchmark/benchmark.h>
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/point_xy.hpp>
-#include <boost/geometry/geometries/polygon.hpp>
+#include <support/voronoi_cell.h>
 
 #include <cmath>
 #include <cstdio>
@@ -20,9 +17,8 @@ namespace bg = boost::geometry;
 
 namespace {
 
-using Point = bg::model::d2::point_xy<double>;
-using Region = bg::model::polygon<Point>;
-using Regions = bg::model::multi_polygon<Region>;
+using orvo_test::Point;
+using orvo_test::Region;
 
 const Vector2d own(-3.0f, 1.5f);
 
@@ -43,31 +39,6 @@ Polygon::Corner_List field_corners() {
     return corners;
 }
 
-Region field_region() {
-    Region r;
-    bg::append(r.outer(), Point(-15, -10));
-    bg::append(r.outer(), Point(-15, 10));
-    bg::append(r.outer(), Point(15, 10));
-    bg::append(r.outer(), Point(15, -10));
-    bg::correct(r);
-    return r;
-}
-
-Region half_plane(const Vector2d& p, const Vector2d& q) {
-    const double dx = double(q.x) - p.x, dy = double(q.y) - p.y;
-    const double norm = std::hypot(dx, dy);
-    const double ux = dx / norm, uy = dy / norm, vx = -uy, vy = ux;
-    const double mx = (double(q.x) + p.x) / 2, my = (double(q.y) + p.y) / 2;
-    const double far = 100.0;
-    Region r;
-    bg::append(r.outer(), Point(mx + far * vx, my + far * vy));
-    bg::append(r.outer(), Point(mx + far * vx - far * ux, my + far * vy - far * uy));
-    bg::append(r.outer(), Point(mx - far * vx - far * ux, my - far * vy - far * uy));
-    bg::append(r.outer(), Point(mx - far * vx, my - far * vy));
-    bg::correct(r);
-    return r;
-}
-
 // The cell, its area and its centroid, given the same reach as the polygon
 // uses, so that both skip the same far players.
 struct Boost_Cell {
@@ -76,17 +47,9 @@ struct Boost_Cell {
     Point centroid;
 };
 
-Boost_Cell boost_cell(const Region& field, double reach) {
+Boost_Cell boost_cell(double reach) {
     Boost_Cell result;
-    result.cell = field;
-    for (const Vector2d& q : others) {
-        if (!(reach > std::hypot(double(q.x) - own.x, double(q.y) - own.y))) {
-            continue;
-        }
-        Regions pieces;
-        bg::intersection(result.cell, half_plane(own, q), pieces);
-        result.cell = pieces.front();
-    }
+    result.cell = orvo_test::voronoi_cell(own, others, reach);
     result.area = bg::area(result.cell);
     bg::centroid(result.cell, result.centroid);
     return result;
@@ -119,11 +82,10 @@ void BM_Polygon_Update(benchmark::State& state) {
 BENCHMARK(BM_Polygon_Update);
 
 void BM_Boost_Geometry_Clip(benchmark::State& state) {
-    const Region field = field_region();
     const double reach = steady_reach();
     Boost_Cell result;
     for (auto _ : state) {
-        result = boost_cell(field, reach);
+        result = boost_cell(reach);
         benchmark::DoNotOptimize(result);
     }
     state.counters["area"] = result.area;
@@ -136,7 +98,7 @@ bool same_cell() {
     polygon.reset();
     polygon.update(others, own);
     const double reach = steady_reach();
-    const Boost_Cell reference = boost_cell(field_region(), reach);
+    const Boost_Cell reference = boost_cell(reach);
     int near = 0;
     for (const Vector2d& q : others) {
         near += std::hypot(double(q.x) - own.x, double(q.y) - own.y) < reach ? 1 : 0;

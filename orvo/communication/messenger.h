@@ -6,6 +6,7 @@
 #include <orvo/humanoid/base/constructable.h>
 #include <orvo/net/comm_unit.h>
 
+#include <chrono>
 #include <string>
 
 namespace orvo::communication {
@@ -35,6 +36,12 @@ public:
     /// Replaces the kept message with the next one received, "" when none is
     /// waiting; true when it is not empty. Never blocks.
     bool recieve_message();
+    /// Loses nothing, unlike recieve_message (use one or the other): replaces
+    /// the kept message with the next whole frame's payload, waiting at most
+    /// `wait` for it, or with "" when none came (timed_out) or the server has
+    /// gone (closed). A frame over the reader's limit closes the connection
+    /// and raises net::FrameTooLarge. Without a CommUnit: closed.
+    net::Received receive(std::chrono::milliseconds wait);
     /// The kept message.
     std::string get_message() const;
 

@@ -22,9 +22,19 @@ public:
     Polar& operator=(const Polar&) = default;
     virtual ~Polar();
 
-    /// Exact float comparison of all three fields; no tolerance.
-    virtual bool operator==(const Polar& other) const;
-    virtual bool operator!=(const Polar& other) const;
+    /// Exact float comparison of all three fields; no tolerance. These are
+    /// the overridable slots: non-const, as plug-ins built against the
+    /// historical layout override them, and `!=` negates whatever `==` a
+    /// subclass supplies.
+    virtual bool operator==(const Polar& other);
+    virtual bool operator!=(const Polar& other);
+
+    /// The same field comparison for callers that hold a `const Polar&`.
+    /// Not virtual, so it never reaches a subclass's override: a subclass
+    /// that wants its own meaning of equality is compared through a
+    /// non-const reference.
+    bool operator==(const Polar& other) const;
+    bool operator!=(const Polar& other) const;
 
     float distance;
     float azimuth;

@@ -3,9 +3,11 @@
 
 #include <orvo/core/export.h>
 #include <orvo/humanoid/base/constructable.h>
+#include <orvo/net/frame_reader.h>
 #include <orvo/net/socket_stream_buf.h>
 #include <orvo/net/tcp_socket.h>
 
+#include <chrono>
 #include <istream>
 #include <string>
 
@@ -15,9 +17,11 @@ namespace orvo::net {
 /// "communit". Messages travel as frames: a 4-byte big-endian payload length,
 /// then the payload. The Messenger configures it during its own init.
 ///
-/// Receiving polls without blocking and uses one 16384-byte buffer shared by
-/// every CommUnit, so only one of them may receive at a time; a caller that
-/// wants to wait for the server calls SelectInput(true) first.
+/// Two ways to receive; a connection uses one of them only. get_message() is
+/// the historical one: it polls without blocking and uses one 16384-byte
+/// buffer shared by every CommUnit, so only one of them may receive at a time,
+/// and it loses a frame that arrives in the same read as another.
+/// receive_message() loses nothing and can wait for the next frame.
 class ORVO_API CommUnit : public Constructable {
 public:
     /// Opens the socket (close-on-exec) without connecting it.
@@ -44,6 +48,11 @@ public:
     /// is readable now. Bytes that arrive in the same read after a frame are
     /// lost; a payload longer than 16380 bytes cannot be received whole.
     std::string get_message();
+    /// The next whole frame's payload into `payload`, waiting at most `wait`
+    /// (0: only what is readable now); see FrameReader::read. A frame over
+    /// FrameReader::default_limit closes the socket, then FrameTooLarge
+    /// propagates. A closed socket gives Received::closed.
+    Received receive_message(std::string& payload, std::chrono::milliseconds wait);
     /// Whether the connection is readable; waits for it when `block`.
     bool SelectInput(bool block);
     /// Closes the socket; is_connected() keeps its value.
@@ -67,6 +76,7 @@ private:
     unsigned int run_value = 15096;
     unsigned int port = 3100;
     std::string host = "localhost";
+    FrameReader reader;
 };
 
 } // namespace orvo::net

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@ using orvo::Class_Map;
 using orvo::communication::Configuration;
 using orvo::communication::Messenger;
 using orvo::net::CommUnit;
+using orvo::net::Received;
 using namespace std::string_literals;
 
 namespace {
@@ -61,6 +63,7 @@ TEST_F(MessengerTest, WrongOrUnreachableCollaboratorsFailAtInit) {
     // Without a communit nothing is sent or received.
     messenger.send_message("(init)");
     EXPECT_FALSE(messenger.recieve_message());
+    EXPECT_EQ(messenger.receive(std::chrono::milliseconds(0)), Received::closed);
 
     Class_Map classes{{"configuration", &configuration}, {"communit", &communit}};
     Messenger refused;
@@ -110,6 +113,17 @@ TEST_F(MessengerTest, ArchitectAssemblesAConnectedMessengerFromPlugins) {
     EXPECT_EQ(messenger->get_message(), "(ok)");
     // Nothing more pending: the kept message is overwritten with "".
     EXPECT_FALSE(messenger->recieve_message());
+    EXPECT_EQ(messenger->get_message(), "");
+
+    // Two frames in one read: the lossless path hands out both, in order.
+    const std::string two = orvo_test::frame("(a)") + orvo_test::frame("(b)");
+    server->send(two.data(), two.size());
+    for (const char* expected : {"(a)", "(b)"}) {
+        EXPECT_EQ(messenger->receive(std::chrono::milliseconds(orvo_test::wait_ms)),
+                  Received::message);
+        EXPECT_EQ(messenger->get_message(), expected);
+    }
+    EXPECT_EQ(messenger->receive(std::chrono::milliseconds(0)), Received::timed_out);
     EXPECT_EQ(messenger->get_message(), "");
 
     architect.disassemble_framework();

@@ -39,7 +39,6 @@ namespace {
 
 using orvo_test::journal;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 std::string at(const char* function, int line) {
     return std::string("core/src/architect.cpp: In function '") + function + "' (line " +
@@ -184,41 +183,70 @@ TEST_F(ArchitectTest, LifecycleWalksFollowRegisteredNamesNotTheClassList) {
     }
 }
 
-TEST_F(ArchitectTest, LinkFailures) {
-    // A missing collaborator: the link step replaces the lookup's own location.
-    configure("alpha\n", "zulu\nneedy\nagent\n");
-    EXPECT_EQ(assemble_failure(),
-              assembling("LinkException") + at("link", 246) +
-                  " | Error while linking <needy>\n\t-> class <absent> not found");
-    EXPECT_THAT(journal(), ElementsAre("agent.link", "needy.link"));
-    EXPECT_EQ(orvo_test::failure<orvo::LinkException>([this] { architect.link(); }),
-              "LinkException @ " + at("link", 246) +
-                  " | Error while linking <needy>\n\t-> class <absent> not found");
-
-    // Any other failure passes the link step unchanged.
-    journal().clear();
-    configure("alpha\n", "zulu\nlink_fails\n");
-    orvo::Architect other(args);
-    EXPECT_EQ(assembly_failure(other), assembling("Exception") +
-                                           "plugins/recorded.h: In function 'link' (line 5):  | "
-                                           "cannot link");
-    EXPECT_THAT(journal(), ElementsAre("kilo.link"));
-    other.disassemble_framework();
-}
-
-TEST_F(ArchitectTest, InitFailureIsChainedThreeLevelsAndStopsTheWalk) {
-    configure("alpha\n", "zulu\ninit_fails\nagent\n");
-    EXPECT_EQ(assemble_failure(), assembling("LogicException") + at("init", 265) +
-                                      "\n--> plugins/recorded.h: In function 'init' (line 7):  | "
-                                      "cannot start");
-    EXPECT_THAT(journal(),
-                ElementsAre("agent.link", "kilo.link", "zulu.link", "agent.init", "kilo.init"));
-
-    // The host may still take down what was built.
-    journal().clear();
-    architect.disassemble_framework();
-    EXPECT_THAT(journal(), ElementsAre("agent.finalize", "kilo.finalize", "zulu.finalize",
-                                       "agent.delete", "kilo.delete", "zulu.delete"));
+// Every way assembly fails: the host's report names each layer's site, the
+// walk stops at the failure, and disassembling takes down whatever was made.
+// A null list leaves its file out; a tab-only line is one the reader refuses.
+TEST_F(ArchitectTest, AssemblyFailuresAreChainedAndStopTheWalk) {
+    const std::string plugin = "plugins/recorded.h: In function ";
+    const auto config = [](int line, int reader_line, const char* message) {
+        return assembling("Exception") + at("construct", line) + "\n--> " +
+               at("parse_config_file", reader_line) + " | " + message;
+    };
+    const struct {
+        const char *libraries, *classes;
+        std::string report;
+        std::vector<std::string> calls;
+    } cases[] = {
+        {"alpha\n",
+         "zulu\nneedy\nagent\n",
+         assembling("LinkException") + at("link", 246) +
+             " | Error while linking <needy>\n\t-> class <absent> not found",
+         {"agent.link", "needy.link"}},
+        {"alpha\n",
+         "zulu\nlink_fails\n",
+         assembling("Exception") + plugin + "'link' (line 5):  | cannot link",
+         {"kilo.link"}},
+        {"alpha\n",
+         "zulu\ninit_fails\nagent\n",
+         assembling("LogicException") + at("init", 265) + "\n--> " + plugin +
+             "'init' (line 7):  | cannot start",
+         {"agent.link", "kilo.link", "zulu.link", "agent.init", "kilo.init"}},
+        {"alpha\n",
+         "zulu\n",
+         "Exception @ " + at("assemble_framework", 44) + " | Could not find class <Agent>",
+         {"zulu.link", "zulu.init"}},
+        {"alpha\nnowhere\n",
+         "agent\n",
+         assembling("Exception") + at("construct", 165) + " | Failed to open shared library!",
+         {}},
+        // The last library searched is the one the loader complains about.
+        {"alpha\nbeta\n",
+         "zulu\nnothing\nmike\n",
+         assembling("Exception") + at("construct", 212) + " | " + ORVO_TEST_PLUGIN_DIR +
+             "/libbeta.agent3.so: undefined symbol: create_nothing",
+         {}},
+        {nullptr, "agent\n", config(93, 303, "Opening file failed!"), {}},
+        {"alpha\n\t\t\n", "agent\n", config(93, 359, "Error while parsing values!"), {}},
+        {"alpha\n", nullptr, config(178, 303, "Opening file failed!"), {}},
+        {"alpha\n", "agent\n\t\t\n", config(178, 359, "Error while parsing values!"), {}}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.report);
+        orvo_test::reset();
+        std::filesystem::remove_all(dir.path / "config");
+        for (const auto& [file, content] : {std::pair{"config/libraries.cfg", c.libraries},
+                                            std::pair{"config/classes.cfg", c.classes}}) {
+            if (content != nullptr) {
+                dir.write(file, content);
+            }
+        }
+        orvo::Architect fresh(args);
+        EXPECT_EQ(assembly_failure(fresh), c.report);
+        EXPECT_EQ(journal(), c.calls);
+        fresh.disassemble_framework();
+        for (const auto& creation : orvo_test::creations()) {
+            EXPECT_FALSE(creation.alive) << creation.factory;
+        }
+    }
 }
 
 TEST_F(ArchitectTest, FinalizeFailureIsChainedByFinalizeAndSwallowedByDisassemble) {
@@ -233,72 +261,21 @@ TEST_F(ArchitectTest, FinalizeFailureIsChainedByFinalizeAndSwallowedByDisassembl
                                        "kilo.delete", "mike.delete", "zulu.delete"));
 }
 
-TEST_F(ArchitectTest, MissingAgentIsReportedUnwrappedAfterAssembly) {
-    configure("alpha\n", "zulu\n");
-    EXPECT_EQ(assemble_failure(),
-              "Exception @ " + at("assemble_framework", 44) + " | Could not find class <Agent>");
-    EXPECT_THAT(journal(), ElementsAre("zulu.link", "zulu.init"));
-}
-
 TEST_F(ArchitectTest, AgentThatIsNoAgentGivesNull) {
     configure("beta\nalpha\n", "not_agent\nagent\n");
     EXPECT_EQ(architect.assemble_framework(), nullptr);
     EXPECT_EQ(factory_of("agent"), "not_agent");
 }
 
-TEST_F(ArchitectTest, EmptyArgumentsGiveTheStandardRangeError) {
-    configure("alpha\n", "agent\n");
-    args.clear();
-    EXPECT_THROW(architect.assemble_framework(), std::out_of_range);
-    EXPECT_THAT(orvo_test::creations(), IsEmpty());
-}
-
-TEST_F(ArchitectTest, ConfigFileFailuresAreChainedThreeLevels) {
-    const struct {
-        const char* file;
-        bool missing; ///< else it holds a tab-only line
-        int construct_line;
-        const char* reader_failure;
-    } cases[] = {{"config/libraries.cfg", true, 93, "(line 303):  | Opening file failed!"},
-                 {"config/libraries.cfg", false, 93, "(line 359):  | Error while parsing values!"},
-                 {"config/classes.cfg", true, 178, "(line 303):  | Opening file failed!"},
-                 {"config/classes.cfg", false, 178, "(line 359):  | Error while parsing values!"}};
-    for (const auto& broken : cases) {
-        configure("alpha\n", "agent\n");
-        if (broken.missing) {
-            std::filesystem::remove(dir.path / broken.file);
-        } else {
-            dir.write(broken.file, "agent\n\t\t\n");
-        }
-        orvo::Architect fresh(args);
-        EXPECT_EQ(assembly_failure(fresh),
-                  assembling("Exception") + at("construct", broken.construct_line) +
-                      "\n--> core/src/architect.cpp: In function 'parse_config_file' " +
-                      broken.reader_failure)
-            << broken.file;
-    }
-}
-
-TEST_F(ArchitectTest, LibraryThatCannotBeOpenedEndsConstruction) {
-    configure("alpha\nnowhere\n", "agent\n");
-    EXPECT_EQ(assemble_failure(),
-              assembling("Exception") + at("construct", 165) + " | Failed to open shared library!");
-    EXPECT_THAT(orvo_test::creations(), IsEmpty());
-}
-
-TEST_F(ArchitectTest, MissingFactoryCarriesTheLoadersErrorText) {
-    configure("alpha\nbeta\n", "zulu\nnothing\nmike\n");
-    // The last library searched is the one the loader complains about.
-    EXPECT_EQ(assemble_failure(), assembling("Exception") + at("construct", 212) + " | " +
-                                      ORVO_TEST_PLUGIN_DIR +
-                                      "/libbeta.agent3.so: undefined symbol: create_nothing");
-    // What was created before the failure stays registered.
-    EXPECT_EQ(architect.get_classes().size(), 1u);
-
+TEST_F(ArchitectTest, EmptyArgumentsAndASilentLoaderGiveStandardErrors) {
     configure("", "zulu\n");
-    orvo::Architect fresh(args);
     dlerror(); // no error pending: nothing to report but a logic error
-    EXPECT_THROW(fresh.assemble_framework(), std::logic_error);
+    EXPECT_THROW(architect.assemble_framework(), std::logic_error);
+
+    configure("alpha\n", "agent\n");
+    std::vector<std::string> none;
+    orvo::Architect nameless(none);
+    EXPECT_THROW(nameless.assemble_framework(), std::out_of_range);
 }
 
 } // namespace

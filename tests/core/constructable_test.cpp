@@ -1,4 +1,3 @@
-#include <orvo/behaviors/behavior.h>
 #include <orvo/core/agent.h>
 #include <orvo/core/constructable_proxy.h>
 #include <orvo/humanoid/base/constructable.h>
@@ -67,19 +66,12 @@ TEST(ConstructableProxy, KeepsTheMapItWasLinkedWith) {
     destroy(made);
 }
 
-TEST(Roles, AgentIsRegisteredAsAgentAndBaseBehaviorDoesNothing) {
+TEST(Roles, AgentIsRegisteredAsAgent) {
     struct QuietAgent : orvo::Agent {
         void link(orvo::Class_Map&) override {}
         void run() override {}
     } agent;
     EXPECT_EQ(agent.get_name(), "agent");
-    struct Idle : orvo::behaviors::Behavior {
-        void link(orvo::Class_Map&) override {}
-        std::string get_name() const override { return "idle"; }
-    } idle;
-    idle();
-    idle.init();
-    idle.finalize();
 }
 
 } // namespace

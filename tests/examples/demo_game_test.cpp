@@ -191,7 +191,13 @@ TEST_F(DemoGame, MissingPlugInsMalformedSettingsAndWrongPortsStopTheHost) {
     const std::string port = std::to_string(orvo_test::released_port().getPort());
     set("port", port);
     EXPECT_EQ(run_alone(), 1);
-    EXPECT_NE(error.find("cannot connect to the server at localhost:" + port + " (is it running?)"),
+    EXPECT_NE(error.find("cannot connect to the server at 127.0.0.1:" + port + " (is it running?)"),
+              std::string::npos)
+        << error;
+
+    set("host", "no.such..host"); // the resolver refuses it without asking a name server
+    EXPECT_EQ(run_alone(), 1);
+    EXPECT_NE(error.find("'no.such..host' (setting 'host' of config/server.cfg): Unknown host"),
               std::string::npos)
         << error;
 }

@@ -6,7 +6,7 @@
 #   valgrind_demo.sh HOST SERVER PLUGIN_DIR CONFIG_DIR WORK_DIR SUPPRESSIONS
 set -euo pipefail
 host=$1 server=$2 plugins=$3 config=$4 work=$5 suppressions=$6
-cycles=20
+cycles=100
 
 rm -rf "$work"
 mkdir -p "$work"
@@ -23,9 +23,11 @@ cleanup() {
 trap cleanup EXIT
 
 # The server steps as soon as the agent has answered, and waits long for an
-# agent that valgrind slows down many times over.
-"$server" --port 0 --drawing-port 0 --ports-file "$work/ports" --agents 1 --cycles "$cycles" \
-  --sync --cycle-timeout 30 --start-timeout 60 --svg "$work/field.svg" \
+# agent that valgrind slows down many times over; its clock runs from start-up,
+# slowly until the agent is there.
+"$server" --port 0 --drawing-port 0 --monitor-port 0 --ports-file "$work/ports" --agents 1 \
+  --cycles "$cycles" --slowdown 10 --sync --cycle-timeout 30 --start-timeout 60 \
+  --svg "$work/field.svg" \
   > "$work/server-summary.txt" 2> "$work/server-messages.txt" &
 server_pid=$!
 for _ in $(seq 200); do
@@ -37,7 +39,7 @@ if [ ! -s "$work/ports" ]; then
   cat "$work/server-messages.txt" >&2
   exit 1
 fi
-read -r tcp_port udp_port < "$work/ports"
+read -r tcp_port udp_port _ < "$work/ports"
 sed -i -e "s/^port .*/port $tcp_port/" -e "s/^drawing_port .*/drawing_port $udp_port/" \
   -e "s/^wait .*/wait 60/" -e "s/^cycles .*/cycles 0/" "$work/config/server.cfg"
 

@@ -76,8 +76,8 @@ TEST(DescriptorAction, RendersTheApproachBallExample) {
                                "\t-> Effector (legs)\n");
 }
 
-TEST(DescriptorAction, MissingSkillOrEffectorIsReported) {
-    const Descriptor_Action action("b");
+TEST(DescriptorAction, GetSkillFindsTheFirstAtAnEightBitPositionOrReportsItsAbsence) {
+    Descriptor_Action action("b");
     const std::string at = "DataUnavailableException @ "
                            "knowledgebase/descriptors/src/descriptor_action.cpp: In function ";
     EXPECT_EQ(failure<orvo::DataUnavailableException>([&] { action.get_skill("walk"); }),
@@ -86,10 +86,6 @@ TEST(DescriptorAction, MissingSkillOrEffectorIsReported) {
     EXPECT_EQ(failure<orvo::DataUnavailableException>([&] { action.get_effector("legs"); }),
               at + "'get_effector' (line 167):  | Tried to retrieve effector for current action "
                    "that has not been invoked yet!");
-}
-
-TEST(DescriptorAction, GetSkillFindsTheFirstAndItsPositionWrapsAtEightBits) {
-    Descriptor_Action action("b");
     const auto first_walk = skill("walk");
     action.add_skill(first_walk);
     action.add_skill(skill("kick"));

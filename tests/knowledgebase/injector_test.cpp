@@ -76,24 +76,6 @@ TEST(InjectorAction, FirstActionOfATimeStaysAndBothMarksMeetOnIt) {
     EXPECT_EQ(linked.sticky.calls[0].second.use_count(), 1);
 }
 
-TEST(InjectorAction, TrimsToTheRetentionSpanUpToNow) {
-    StickyLog linked;
-    for (unsigned int time = 1; time <= 9; ++time) {
-        linked.inject_action("b", time, 100);
-    }
-    linked.inject_action("now", 10, 5);
-    EXPECT_EQ(linked.times(), (Times{6, 7, 8, 9, 10}));
-    linked.inject_action("zero", 11, 0); // retention 0 keeps only the newest
-    EXPECT_EQ(linked.times(), Times{11});
-    // A clock that went back clears newer entries unless the retention spans the wrapped gap.
-    linked.inject_action("b", 13, 100);
-    linked.inject_action("back", 3, 1000);
-    EXPECT_EQ(linked.times(), Times{3});
-    linked.inject_action("b", 9, 100);
-    linked.inject_action("back", 4, 0xFFFFFFFFu);
-    EXPECT_EQ(linked.times(), (Times{3, 4, 9}));
-}
-
 TEST(InjectorAction, MarksOnTrimmedEntriesMoveToTheEnd) {
     StickyLog linked;
     linked.sticky("first", 1, 1);

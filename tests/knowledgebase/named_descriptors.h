@@ -61,11 +61,6 @@ struct LinkedLog {
         auto described = effector(id, message);
         inject_effector(described);
     }
-    /// The initiator of the entry at `time`, or "" when there is none.
-    std::string initiator_at(unsigned int time) const {
-        const auto entry = log.actions.find(time);
-        return entry == log.actions.end() ? "" : entry->second->get_initiator();
-    }
 };
 
 } // namespace orvo_test

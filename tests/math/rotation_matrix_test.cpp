@@ -37,15 +37,9 @@ M3 elementary(int axis, double t) {
     m[i][j] = -std::sin(t);
     return m;
 }
-M3 rx(double t) {
-    return elementary(0, t);
-}
-M3 ry(double t) {
-    return elementary(1, t);
-}
-M3 rz(double t) {
-    return elementary(2, t);
-}
+const auto rx = [](double t) { return elementary(0, t); };
+const auto ry = [](double t) { return elementary(1, t); };
+const auto rz = [](double t) { return elementary(2, t); };
 
 // The class stores its matrix column by column.
 M3 as_m3(const RotationMatrix& r) {

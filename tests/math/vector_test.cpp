@@ -110,12 +110,26 @@ TEST(Polar, ConversionsAgreeWithDoublePrecisionTrigonometry) {
     }
 }
 
-TEST(Polar, EqualityIsExact) {
+TEST(Polar, EqualityIsExactAndASubclassOverridesIt) {
     const Polar a(1.0f, 2.0f, 3.0f);
     EXPECT_TRUE(a == Polar(1.0f, 2.0f, 3.0f));
     EXPECT_FALSE(a == Polar(1.0f, 2.0f, 3.001f));
     EXPECT_TRUE(a != Polar(1.0f, 2.0f, 3.001f));
-    const Polar nan(std::nanf(""), 0.0f, 0.0f);
+    Polar nan(std::nanf(""), 0.0f, 0.0f);
     EXPECT_FALSE(nan == nan);
     EXPECT_TRUE(nan != nan);
+
+    // A team's polar value that counts only the distance, overriding the
+    // non-const slot; the base's != must negate it.
+    struct SameDistance : Polar {
+        using Polar::Polar;
+        bool operator==(const Polar& other) override { return distance == other.distance; }
+    };
+    SameDistance mine(1.0f, 0.0f, 0.0f);
+    Polar& through_base = mine;
+    const Polar other(1.0f, 90.0f, 45.0f);
+    EXPECT_TRUE(through_base == other);
+    EXPECT_FALSE(through_base != other);
+    // A const reference gets the plain field comparison.
+    EXPECT_FALSE(static_cast<const Polar&>(mine) == other);
 }

@@ -1,6 +1,7 @@
 // The retry rules of checked sends and receives, proven on calls that a real
 // signal interrupts: the handler is installed without SA_RESTART, so a blocked
 // call comes back with EINTR, and a per-thread timer keeps interrupting it.
+#include <orvo/net/frame_reader.h>
 #include <orvo/net/tcp_socket.h>
 #include <orvo/net/udp_socket.h>
 
@@ -154,4 +155,14 @@ TEST_F(InterruptTest, CheckedSendRepeatsWhileTheBufferIsFull) {
     });
     EXPECT_EQ(pair.client->send("x", 1, 0, Socket::CHECK), 1);
     reader.join();
+}
+
+TEST_F(InterruptTest, FrameReaderWaitOutlivesInterruptions) {
+    orvo_test::TcpPair pair;
+    orvo::net::FrameReader reader;
+    std::string payload;
+    Interrupter interrupter;
+    EXPECT_EQ(reader.read(pair.client->getFD(), payload, std::chrono::milliseconds(200)),
+              orvo::net::Received::timed_out);
+    EXPECT_GE(interruptions, 3);
 }

@@ -80,6 +80,8 @@ TEST(StandinCommands, MessagesSplitIntoTopLevelExpressions) {
     EXPECT_EQ(standin::to_number(args[0]), -3.5);
     EXPECT_FALSE(standin::to_number("2x").has_value());
     EXPECT_FALSE(standin::to_number("nan").has_value());
+    EXPECT_EQ(standin::numbers("(beam -3.5 2 90)"), (std::vector<double>{-3.5, 2, 90}));
+    EXPECT_FALSE(standin::numbers("(scene rsg/agent/nao/nao_hetero.rsg 2)").has_value());
 
     // An unbalanced tail is kept as one nameless command.
     const auto broken = standin::split_commands("(syn)(beam 1 (2");

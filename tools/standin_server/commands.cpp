@@ -106,4 +106,16 @@ std::optional<double> to_number(std::string_view atom) {
     return value;
 }
 
+std::optional<std::vector<double>> numbers(std::string_view text) {
+    std::vector<double> values;
+    for (std::string_view atom : arguments(text)) {
+        const auto value = to_number(atom);
+        if (!value) {
+            return std::nullopt;
+        }
+        values.push_back(*value);
+    }
+    return values;
+}
+
 } // namespace standin

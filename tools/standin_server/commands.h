@@ -31,6 +31,10 @@ std::optional<std::string_view> value_of(std::string_view text, std::string_view
 /// Parses a decimal number; nullopt unless the whole atom is a finite number.
 std::optional<double> to_number(std::string_view atom);
 
+/// The arguments of a flat expression as numbers: "(beam 1 2 0)" gives
+/// {1, 2, 0}; nullopt when any of them is not a number.
+std::optional<std::vector<double>> numbers(std::string_view text);
+
 } // namespace standin
 
 #endif

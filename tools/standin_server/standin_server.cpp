@@ -1,15 +1,10 @@
 #include "standin_server.h"
 
-#include "commands.h"
+#include "perception.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
-#include <cctype>
 #include <cerrno>
-#include <cmath>
 #include <cstdio>
-#include <cstring>
-#include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
@@ -21,53 +16,11 @@ namespace standin {
 
 namespace {
 
-constexpr unsigned max_agents = 22;
-constexpr unsigned players_per_team = 11;
+constexpr std::size_t max_agents = 22;
 constexpr double cycle_seconds = 0.02;
-// A frame longer than this is not an agent speaking the protocol.
-constexpr std::uint32_t max_frame = 1u << 20;
-// An agent that stopped reading is let go once this much waits for it.
-constexpr std::size_t max_backlog = 1u << 20;
-constexpr double degrees_per_radian = 57.29577951308232;
 
-std::runtime_error system_error(const std::string& what) {
-    return std::runtime_error(what + ": " + std::strerror(errno));
-}
-
-void set_non_blocking(int fd) {
-    const int flags = fcntl(fd, F_GETFL, 0);
-    if (flags < 0 || fcntl(fd, F_SETFL, flags | O_NONBLOCK) < 0) {
-        throw system_error("fcntl");
-    }
-}
-
-unsigned bind_loopback(int fd, unsigned port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address) < 0) {
-        throw system_error("cannot bind 127.0.0.1:" + std::to_string(port));
-    }
-    socklen_t size = sizeof address;
-    if (getsockname(fd, reinterpret_cast<sockaddr*>(&address), &size) < 0) {
-        throw system_error("getsockname");
-    }
-    return ntohs(address.sin_port);
-}
-
-double seconds_between(Clock::time_point from, Clock::time_point to) {
-    return std::chrono::duration<double>(to - from).count();
-}
-
-float clamp_angle(float degrees, float limit) {
-    return std::max(-limit, std::min(limit, degrees));
-}
-
-// Joint effectors are named like "he1", "lae3" or "rle6": letters ending in "e", then a digit.
-bool is_joint(std::string_view name) {
-    return name.size() >= 3 && name.size() <= 5 &&
-           std::isdigit(static_cast<unsigned char>(name.back())) && name[name.size() - 2] == 'e';
+Clock::duration seconds(double value) {
+    return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(value));
 }
 
 } // namespace
@@ -75,40 +28,20 @@ bool is_joint(std::string_view name) {
 StandinServer::StandinServer(Options options_) : options(std::move(options_)) {}
 
 StandinServer::~StandinServer() {
-    for (auto& agent : agents) {
-        close_agent(*agent);
-    }
-    if (listener >= 0) {
-        ::close(listener);
-    }
-    if (drawing_socket >= 0) {
-        ::close(drawing_socket);
+    for (int fd : {listener, drawing_socket, monitor_listener}) {
+        if (fd >= 0) {
+            ::close(fd);
+        }
     }
 }
 
 void StandinServer::open() {
-    if (options.port > 65535 || options.drawing_port > 65535) {
-        throw std::runtime_error("port out of range (0-65535)");
-    }
-    listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (listener < 0) {
-        throw system_error("socket");
-    }
-    const int yes = 1;
-    setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    bound_tcp_port = bind_loopback(listener, options.port);
-    if (listen(listener, static_cast<int>(max_agents)) < 0) {
-        throw system_error("listen");
-    }
-    set_non_blocking(listener);
-
-    drawing_socket = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (drawing_socket < 0) {
-        throw system_error("socket");
-    }
-    bound_udp_port = bind_loopback(drawing_socket, options.drawing_port);
-    set_non_blocking(drawing_socket);
-
+    ports[0] = options.port;
+    ports[1] = options.drawing_port;
+    ports[2] = options.monitor_port;
+    listener = open_loopback(SOCK_STREAM, ports[0]);
+    drawing_socket = open_loopback(SOCK_DGRAM, ports[1]);
+    monitor_listener = open_loopback(SOCK_STREAM, ports[2]);
     if (!options.log_path.empty()) {
         log.open(options.log_path, std::ios::trunc);
         if (!log) {
@@ -119,7 +52,7 @@ void StandinServer::open() {
         // Written whole and then renamed, so a script polling for it never reads half.
         const std::string temporary = options.ports_file + ".tmp";
         std::ofstream(temporary, std::ios::trunc)
-            << bound_tcp_port << ' ' << bound_udp_port << '\n';
+            << ports[0] << ' ' << ports[1] << ' ' << ports[2] << '\n';
         if (std::rename(temporary.c_str(), options.ports_file.c_str()) != 0) {
             throw system_error("cannot write " + options.ports_file);
         }
@@ -128,43 +61,22 @@ void StandinServer::open() {
 
 int StandinServer::run(std::ostream& messages) {
     started = Clock::now();
-    const auto start_deadline = started + std::chrono::duration_cast<Clock::duration>(
-                                              std::chrono::duration<double>(options.start_timeout));
-    while (live_agents() < options.agents && Clock::now() < start_deadline) {
-        service(std::min(start_deadline, Clock::now() + std::chrono::milliseconds(50)), false);
-    }
-    if (live_agents() == 0) {
-        messages << "stand-in server: no agent connected within " << options.start_timeout
-                 << " s\n";
-        return 1;
-    }
-    if (live_agents() < options.agents) {
-        messages << "stand-in server: starting with " << live_agents() << " of " << options.agents
-                 << " agents\n";
-    }
-    // Let the agents' first messages (scene, init) arrive before the first
-    // perception, as they would at a real server that is already running.
-    service(Clock::now() + std::chrono::milliseconds(20), false);
-
-    const auto period =
-        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(cycle_seconds));
-    const auto straggler_wait = std::chrono::duration_cast<Clock::duration>(
-        std::chrono::duration<double>(options.cycle_timeout));
-    auto next_cycle = Clock::now();
-    for (cycle = 1; cycle <= options.cycles && live_agents() > 0; ++cycle) {
-        simulation_time = cycle * cycle_seconds;
-        advance_joints();
-        for (auto& agent : agents) {
-            if (!agent->closed) {
-                send_perception(*agent);
-            }
-        }
+    const auto period = seconds(cycle_seconds * options.slowdown);
+    const auto start_deadline = started + seconds(options.start_timeout);
+    auto next_cycle = started;
+    int status = 0;
+    bool someone_joined = false;
+    unsigned played = 0;
+    for (cycle = 1; cycle <= options.cycles; ++cycle) {
+        begin_cycle();
+        played = cycle;
         next_cycle += period;
-        if (options.sync) {
-            if (!service(Clock::now() + straggler_wait, true)) {
+        if (stepping_on_answers(start_deadline)) {
+            if (!service(Clock::now() + seconds(options.cycle_timeout), true)) {
                 messages << "stand-in server: cycle " << cycle
                          << ": an agent did not answer within " << options.cycle_timeout << " s\n";
             }
+            next_cycle = Clock::now(); // the real-time pace resumes from here
         } else {
             service(next_cycle, false);
         }
@@ -177,8 +89,19 @@ int StandinServer::run(std::ostream& messages) {
             path.insert(dot == std::string::npos ? path.size() : dot, suffix);
             write_picture(path);
         }
+        someone_joined = someone_joined || std::any_of(agents.begin(), agents.end(),
+                                                       [](const auto& a) { return a->joined(); });
+        if (someone_joined && open_agents() == 0) {
+            break;
+        }
+        if (agents.empty() && Clock::now() >= start_deadline) {
+            messages << "stand-in server: no agent connected within " << options.start_timeout
+                     << " s\n";
+            status = 1;
+            break;
+        }
     }
-    --cycle; // the loop stops one past the last cycle played
+    cycle = played;
     finished = Clock::now();
     // The last answers (and the drawings sent before them) may still be on their way.
     if (!options.sync) {
@@ -187,17 +110,93 @@ int StandinServer::run(std::ostream& messages) {
     read_drawings();
     write_picture(options.svg_path);
     for (auto& agent : agents) {
-        close_agent(*agent);
+        agent->link.close();
     }
     if (log.is_open()) {
         log.flush();
     }
-    return 0;
+    return status;
+}
+
+bool StandinServer::stepping_on_answers(Clock::time_point start_deadline) const {
+    // Until the expected agents perceive, a synchronous server keeps the
+    // real-time pace, so that they connect in cycles of their own.
+    const auto perceiving =
+        std::count_if(agents.begin(), agents.end(), [](const auto& a) { return a->perceives(); });
+    return options.sync && !all_answered() &&
+           (static_cast<unsigned>(perceiving) >= options.agents || Clock::now() >= start_deadline);
+}
+
+void StandinServer::begin_cycle() {
+    admit_agents();
+    const bool by_option = options.kickoff_after != 0 && cycle == options.kickoff_after;
+    if (kickoff_side >= 0 || by_option) {
+        referee.kick_off(std::max(kickoff_side, 0), cycle, agents);
+        kickoff_side = -1;
+    }
+    referee.advance(cycle);
+    const Moment moment{cycle, cycle * cycle_seconds, referee.game_time(cycle), referee.mode()};
+    for (auto& agent : agents) {
+        if (agent->perceives()) {
+            agent->body.advance(cycle_seconds);
+        }
+    }
+    for (auto& agent : agents) {
+        if (agent->perceives()) {
+            std::string frame;
+            Link::append_frame(frame, write_perception(*agent, moment, agents));
+            agent->heard.clear();
+            agent->announce = false;
+            // A real server in real time now and then writes two perceptions at once.
+            if (!options.sync && options.pairs > 0) {
+                if (agent->held.empty() && std::bernoulli_distribution(options.pairs)(random)) {
+                    agent->held = std::move(frame);
+                    continue;
+                }
+                if (!agent->held.empty()) {
+                    frame.insert(0, agent->held);
+                    agent->held.clear();
+                    ++agent->pairs;
+                    ++agent->perceptions;
+                }
+            }
+            ++agent->perceptions;
+            agent->awaiting = true;
+            agent->perception_sent = Clock::now();
+            agent->link.send(frame);
+        }
+    }
+}
+
+void StandinServer::admit_agents() {
+    // Connections of the cycle before: one alone joins the game, several at
+    // once none, as a real server has them.
+    std::vector<Agent*> arrived;
+    for (auto& agent : agents) {
+        if (agent->connected_cycle + 1 == cycle && !agent->link.closed()) {
+            arrived.push_back(agent.get());
+        }
+    }
+    for (Agent* agent : arrived) {
+        if (arrived.size() == 1) {
+            agent->in_game = true;
+            continue;
+        }
+        std::string others;
+        for (const Agent* other : arrived) {
+            if (other != agent) {
+                others += (others.empty() ? " " : ", ") + std::to_string(other->number);
+            }
+        }
+        agent->note(agent->connected_cycle, std::string("connected in the same cycle as ") +
+                                                (arrived.size() > 2 ? "agents" : "agent") + others +
+                                                ": not taken into the game");
+    }
 }
 
 bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
     std::vector<pollfd> fds;
-    std::vector<AgentLink*> owners;
+    std::vector<Link*> links;
     for (;;) {
         if (stop_when_answered && all_answered()) {
             return true;
@@ -206,16 +205,23 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
         if (now >= until) {
             return !stop_when_answered || all_answered();
         }
-        fds.clear();
-        owners.clear();
-        fds.push_back(pollfd{listener, POLLIN, 0});
-        fds.push_back(pollfd{drawing_socket, POLLIN, 0});
+        fds.assign({pollfd{listener, POLLIN, 0}, pollfd{drawing_socket, POLLIN, 0},
+                    pollfd{monitor_listener, POLLIN, 0}});
+        monitors.erase(std::remove_if(monitors.begin(), monitors.end(),
+                                      [](const auto& link) { return link->closed(); }),
+                       monitors.end());
+        links.clear();
+        const std::size_t agent_links = agents.size();
         for (auto& agent : agents) {
-            if (!agent->closed) {
-                const short events = agent->output.empty() ? POLLIN : POLLIN | POLLOUT;
-                fds.push_back(pollfd{agent->fd, events, 0});
-                owners.push_back(agent.get());
-            }
+            links.push_back(&agent->link);
+        }
+        for (auto& monitor : monitors) {
+            links.push_back(monitor.get());
+        }
+        for (Link* link : links) {
+            // A closed link polls nothing: a negative descriptor is skipped.
+            const short events = link->wants_to_write() ? POLLIN | POLLOUT : POLLIN;
+            fds.push_back(pollfd{link->fd(), events, 0});
         }
         const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
         const int ready = poll(fds.data(), fds.size(), static_cast<int>(std::max<long>(wait, 0)));
@@ -226,28 +232,41 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
             continue;
         }
         if ((fds[0].revents & POLLIN) != 0) {
-            accept_agents();
+            accept_connections(listener);
         }
         if ((fds[1].revents & POLLIN) != 0) {
             read_drawings();
         }
-        for (std::size_t i = 0; i < owners.size(); ++i) {
-            const short revents = fds[i + 2].revents;
+        if ((fds[2].revents & POLLIN) != 0) {
+            accept_connections(monitor_listener);
+        }
+        for (std::size_t i = 0; i < links.size(); ++i) {
+            const short revents = fds[i + 3].revents;
             if ((revents & POLLOUT) != 0) {
-                flush_agent(*owners[i]);
+                links[i]->flush();
             }
-            if ((revents & (POLLIN | POLLHUP | POLLERR)) != 0) {
-                read_agent(*owners[i]);
+            if ((revents & (POLLIN | POLLHUP | POLLERR)) == 0) {
+                continue;
+            }
+            if (i < agent_links) {
+                Agent& agent = *agents[i];
+                agent.link.receive([&](std::string_view frame) { handle_message(agent, frame); });
+            } else {
+                links[i]->receive([&](std::string_view frame) { handle_monitor(frame); });
             }
         }
     }
 }
 
-void StandinServer::accept_agents() {
+void StandinServer::accept_connections(int from) {
     for (;;) {
-        const int fd = accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
+        const int fd = accept4(from, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
         if (fd < 0) {
             return;
+        }
+        if (from == monitor_listener) {
+            monitors.push_back(std::make_unique<Link>(fd));
+            continue;
         }
         if (agents.size() >= max_agents) {
             ::close(fd); // a full field: further agents are turned away
@@ -255,155 +274,12 @@ void StandinServer::accept_agents() {
         }
         const int yes = 1;
         setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-        auto agent = std::make_unique<AgentLink>();
-        agent->fd = fd;
-        agent->number = static_cast<int>(agents.size()) + 1;
-        // Until beamed, an agent waits at the touch line.
-        agent->x = -14.0f + static_cast<float>(agent->number);
-        agent->y = -field_width / 2 - 0.5f;
-        agents.push_back(std::move(agent));
+        agents.push_back(std::make_unique<Agent>(fd, static_cast<int>(agents.size()) + 1, cycle));
+        Agent& agent = *agents.back();
+        // Until beamed, a robot waits at the touch line.
+        agent.x = -14.0f + static_cast<float>(agent.number);
+        agent.y = -field_width / 2 - 0.5f;
     }
-}
-
-void StandinServer::read_agent(AgentLink& agent) {
-    char buffer[65536];
-    for (;;) {
-        const ssize_t n = recv(agent.fd, buffer, sizeof buffer, 0);
-        if (n == 0 || (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) {
-            close_agent(agent);
-            return;
-        }
-        if (n < 0) {
-            break;
-        }
-        agent.input.append(buffer, static_cast<std::size_t>(n));
-        // Agents write each command as a frame of its own; acknowledging at
-        // once keeps their small writes from waiting for a delayed ACK.
-        const int yes = 1;
-        setsockopt(agent.fd, IPPROTO_TCP, TCP_QUICKACK, &yes, sizeof yes);
-        if (static_cast<std::size_t>(n) < sizeof buffer) {
-            break;
-        }
-    }
-    std::size_t at = 0;
-    while (agent.input.size() - at >= 4) {
-        const auto* prefix = reinterpret_cast<const unsigned char*>(agent.input.data() + at);
-        const std::uint32_t length = (std::uint32_t{prefix[0]} << 24) |
-                                     (std::uint32_t{prefix[1]} << 16) |
-                                     (std::uint32_t{prefix[2]} << 8) | std::uint32_t{prefix[3]};
-        if (length > max_frame) {
-            close_agent(agent);
-            return;
-        }
-        if (agent.input.size() - at - 4 < length) {
-            break;
-        }
-        agent.bytes += 4 + length;
-        handle_message(agent, std::string_view(agent.input).substr(at + 4, length));
-        at += 4 + length;
-    }
-    agent.input.erase(0, at);
-}
-
-void StandinServer::flush_agent(AgentLink& agent) {
-    while (!agent.output.empty()) {
-        const ssize_t n = send(agent.fd, agent.output.data(), agent.output.size(), MSG_NOSIGNAL);
-        if (n < 0) {
-            if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) {
-                close_agent(agent);
-            }
-            return;
-        }
-        agent.output.erase(0, static_cast<std::size_t>(n));
-    }
-}
-
-void StandinServer::handle_message(AgentLink& agent, std::string_view message) {
-    const auto received = Clock::now();
-    ++agent.messages;
-    if (log.is_open()) {
-        log << agent.number << '\t' << agent.unum << '\t' << cycle << '\t' << message << '\n';
-    }
-    for (const Command& command : split_commands(message)) {
-        if (command.name == "syn") {
-            if (agent.awaiting) {
-                agent.awaiting = false;
-                ++agent.answered;
-                agent.latencies_us.push_back(
-                    std::chrono::duration<double, std::micro>(received - agent.perception_sent)
-                        .count());
-            }
-        } else if (command.name == "scene") {
-            agent.scene = true;
-        } else if (command.name == "init") {
-            handle_init(agent, command.text);
-        } else if (command.name == "beam") {
-            const auto args = arguments(command.text);
-            const auto x = args.size() == 3 ? to_number(args[0]) : std::nullopt;
-            const auto y = args.size() == 3 ? to_number(args[1]) : std::nullopt;
-            const auto rotation = args.size() == 3 ? to_number(args[2]) : std::nullopt;
-            if (x && y && rotation) {
-                // Beams are given in the team's own frame.
-                const float mirror = agent.side == 0 ? 1.0f : -1.0f;
-                agent.x = mirror * static_cast<float>(*x);
-                agent.y = mirror * static_cast<float>(*y);
-                agent.rotation = static_cast<float>(*rotation) + (agent.side == 0 ? 0.0f : 180.0f);
-                ++agent.beams;
-            } else {
-                ++agent.ignored;
-            }
-        } else if (is_joint(command.name)) {
-            // Hinge joint speeds such as "(he1 0.5)" or "(lle3 -1)"; the head's are applied.
-            const auto args = arguments(command.text);
-            const auto speed = args.size() == 1 ? to_number(args[0]) : std::nullopt;
-            ++agent.joint_commands;
-            if (speed && command.name == "he1") {
-                agent.head_pan_speed = static_cast<float>(*speed);
-            } else if (speed && command.name == "he2") {
-                agent.head_tilt_speed = static_cast<float>(*speed);
-            }
-        } else {
-            ++agent.ignored;
-        }
-    }
-}
-
-void StandinServer::handle_init(AgentLink& agent, std::string_view text) {
-    const auto team = value_of(text, "teamname");
-    if (team && agent.team.empty()) {
-        agent.team = std::string(*team);
-        auto known = std::find(team_names.begin(), team_names.end(), agent.team);
-        if (known == team_names.end()) {
-            team_names.push_back(agent.team);
-            known = team_names.end() - 1;
-        }
-        // A third team has no side of its own; it plays on the right.
-        agent.side = std::min<int>(static_cast<int>(known - team_names.begin()), 1);
-    }
-    if (agent.unum != 0) {
-        return;
-    }
-    const auto wanted = value_of(text, "unum");
-    const auto number = wanted ? to_number(*wanted) : std::nullopt;
-    const auto taken = [&](int unum) {
-        return std::any_of(agents.begin(), agents.end(), [&](const auto& other) {
-            return other.get() != &agent && other->side == agent.side && other->unum == unum &&
-                   !other->team.empty();
-        });
-    };
-    // Like a real server: 0 (or a taken number) asks for the next free one.
-    int unum =
-        number && *number >= 1 && *number <= players_per_team ? static_cast<int>(*number) : 0;
-    if (unum == 0 || taken(unum)) {
-        unum = 0;
-        for (int candidate = 1; candidate <= static_cast<int>(players_per_team); ++candidate) {
-            if (!taken(candidate)) {
-                unum = candidate;
-                break;
-            }
-        }
-    }
-    agent.unum = unum;
 }
 
 void StandinServer::read_drawings() {
@@ -427,7 +303,7 @@ void StandinServer::read_drawings() {
         const int side = shape.header >> 7;
         const int unum = shape.header & 0x7F;
         for (auto& agent : agents) {
-            if (agent->side == side && agent->unum == unum && !agent->team.empty()) {
+            if (agent->joined() && agent->side == side && agent->unum == unum) {
                 ++agent->drawings;
                 break;
             }
@@ -436,97 +312,22 @@ void StandinServer::read_drawings() {
     }
 }
 
-void StandinServer::advance_joints() {
-    for (auto& agent : agents) {
-        agent->head_pan = clamp_angle(
-            agent->head_pan + agent->head_pan_speed * cycle_seconds * degrees_per_radian, 120.0f);
-        agent->head_tilt = clamp_angle(
-            agent->head_tilt + agent->head_tilt_speed * cycle_seconds * degrees_per_radian, 45.0f);
-    }
-}
-
-void StandinServer::send_perception(AgentLink& agent) {
-    std::string message;
-    message.reserve(1024);
-    char part[256];
-    std::snprintf(part, sizeof part, "(time (now %.2f))(GS ", simulation_time);
-    message += part;
-    if (agent.unum != 0) {
-        std::snprintf(part, sizeof part, "(unum %d) (team %s) ", agent.unum,
-                      agent.side == 0 ? "left" : "right");
-        message += part;
-    }
-    std::snprintf(part, sizeof part,
-                  "(sl 0) (sr 0) (t 0.00) (pm BeforeKickOff))(GYR (n torso) (rt 0.00 0.00 0.00))"
-                  "(ACC (n torso) (a 0.00 0.00 9.81))(HJ (n hj1) (ax %.2f))(HJ (n hj2) (ax %.2f))",
-                  agent.head_pan, agent.head_tilt);
-    message += part;
-    // Only the stand-in tells an agent where it is; its own frame has its goal at negative x.
-    const float mirror = agent.side == 0 ? 1.0f : -1.0f;
-    std::snprintf(part, sizeof part, "(mypos %.2f %.2f %.2f)", mirror * agent.x, mirror * agent.y,
-                  agent.z);
-    message += part;
-    // Like a real server, vision every third cycle; unlike one, all round.
-    if (cycle % 3 == 1) {
-        std::string seen;
-        for (const auto& other : agents) {
-            if (other.get() == &agent || other->closed || other->unum == 0) {
-                continue;
-            }
-            const double dx = other->x - agent.x;
-            const double dy = other->y - agent.y;
-            const double distance = std::sqrt(dx * dx + dy * dy);
-            double azimuth = std::atan2(dy, dx) * degrees_per_radian - agent.rotation;
-            azimuth = std::remainder(azimuth, 360.0);
-            std::snprintf(part, sizeof part, " (P (team %s) (id %d) (head (pol %.2f %.2f %.2f)))",
-                          other->team.c_str(), other->unum, distance, azimuth, 0.0);
-            seen += part;
-        }
-        if (!seen.empty()) {
-            message += "(See";
-            message += seen;
-            message += ')';
-        }
-    }
-    const auto length = static_cast<std::uint32_t>(message.size());
-    const char prefix[4] = {static_cast<char>(length >> 24), static_cast<char>(length >> 16),
-                            static_cast<char>(length >> 8), static_cast<char>(length)};
-    if (agent.output.size() > max_backlog) {
-        close_agent(agent);
-        return;
-    }
-    agent.output.append(prefix, 4);
-    agent.output += message;
-    ++agent.cycles;
-    agent.awaiting = true;
-    agent.perception_sent = Clock::now();
-    flush_agent(agent);
-}
-
-void StandinServer::close_agent(AgentLink& agent) {
-    if (!agent.closed) {
-        ::close(agent.fd);
-        agent.closed = true;
-        agent.awaiting = false;
-    }
-}
-
 bool StandinServer::all_answered() const {
     return std::none_of(agents.begin(), agents.end(),
-                        [](const auto& agent) { return !agent->closed && agent->awaiting; });
+                        [](const auto& a) { return a->awaiting && !a->link.closed(); });
 }
 
-unsigned StandinServer::live_agents() const {
+unsigned StandinServer::open_agents() const {
     return static_cast<unsigned>(std::count_if(agents.begin(), agents.end(),
-                                               [](const auto& agent) { return !agent->closed; }));
+                                               [](const auto& a) { return !a->link.closed(); }));
 }
 
 FieldPicture StandinServer::picture() const {
     FieldPicture result;
     result.cycle = static_cast<int>(cycle);
-    result.time = simulation_time;
+    result.time = cycle * cycle_seconds;
     for (const auto& agent : agents) {
-        if (agent->unum != 0) {
+        if (agent->joined()) {
             result.players.push_back(PlayerMark{agent->unum, agent->side, agent->x, agent->y});
         }
     }
@@ -538,47 +339,6 @@ void StandinServer::write_picture(const std::string& path) {
     if (!path.empty() && !write_field_svg(path, picture())) {
         throw std::runtime_error("cannot write the picture " + path);
     }
-}
-
-void StandinServer::print_summary(std::ostream& out) const {
-    const double wall = seconds_between(started, finished);
-    char line[256];
-    std::snprintf(line, sizeof line,
-                  "stand-in server: %u cycles (%.2f s simulated) in %.2f s wall time, %s mode, "
-                  "%zu agents\n",
-                  cycle, cycle * cycle_seconds, wall, options.sync ? "sync" : "real-time",
-                  agents.size());
-    out << line;
-    out << "agent team         unum  cycles answered messages    bytes beams joints drawings"
-           "   latency us min / median / max\n";
-    std::vector<double> all;
-    for (const auto& agent : agents) {
-        std::vector<double> sorted = agent->latencies_us;
-        std::sort(sorted.begin(), sorted.end());
-        all.insert(all.end(), sorted.begin(), sorted.end());
-        char latency[96] = "-";
-        if (!sorted.empty()) {
-            std::snprintf(latency, sizeof latency, "%.0f / %.0f / %.0f", sorted.front(),
-                          sorted[sorted.size() / 2], sorted.back());
-        }
-        std::snprintf(line, sizeof line, "%5d %-12.12s %4d %7u %8u %8u %8llu %5u %6u %8u   %s\n",
-                      agent->number, agent->team.empty() ? "-" : agent->team.c_str(), agent->unum,
-                      agent->cycles, agent->answered, agent->messages,
-                      static_cast<unsigned long long>(agent->bytes), agent->beams,
-                      agent->joint_commands, agent->drawings, latency);
-        out << line;
-    }
-    if (!all.empty()) {
-        std::sort(all.begin(), all.end());
-        std::snprintf(line, sizeof line,
-                      "all agents: latency us min %.0f, median %.0f, max %.0f over %zu answers\n",
-                      all.front(), all[all.size() / 2], all.back(), all.size());
-        out << line;
-    }
-    if (malformed_drawings != 0) {
-        out << "malformed drawing datagrams: " << malformed_drawings << '\n';
-    }
-    out << "picture: " << options.svg_path << '\n';
 }
 
 } // namespace standin

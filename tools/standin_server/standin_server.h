@@ -1,66 +1,29 @@
 #ifndef ORVO_STANDIN_STANDIN_SERVER_H
 #define ORVO_STANDIN_STANDIN_SERVER_H
 
+#include "agent.h"
 #include "drawing_wire.h"
 #include "field_svg.h"
+#include "options.h"
+#include "referee.h"
 
-#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <map>
 #include <memory>
 #include <ostream>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace standin {
 
-struct Options {
-    unsigned port = 3100;          ///< agents' TCP port on 127.0.0.1 (0: any free one)
-    unsigned drawing_port = 15096; ///< debug drawings' UDP port on 127.0.0.1 (0: any free one)
-    unsigned agents = 1;           ///< agents to wait for before the first cycle
-    unsigned cycles = 500;         ///< cycles to run before stopping
-    bool sync = false;             ///< step as soon as every agent sent "(syn)"
-    double start_timeout = 30;     ///< seconds to wait for the agents
-    double cycle_timeout = 1;      ///< seconds a synchronous cycle waits for stragglers
-    std::string log_path;          ///< every received message, one line each
-    std::string svg_path = "field.svg";
-    unsigned svg_every = 0; ///< also write a picture every that many cycles
-    std::string ports_file; ///< "TCP UDP" is written here once listening
-};
-
-using Clock = std::chrono::steady_clock;
-
-/// One connected agent as the server sees it.
-struct AgentLink {
-    int fd = -1;
-    int number = 0; ///< connection order, from 1
-    std::string input;
-    std::string output;
-    bool closed = false;
-
-    bool scene = false;
-    std::string team;
-    int side = 0;
-    int unum = 0;
-    float x = 0, y = 0, z = 0.35f, rotation = 0;
-    float head_pan = 0, head_tilt = 0;             ///< degrees
-    float head_pan_speed = 0, head_tilt_speed = 0; ///< rad/s, as the joints were last told
-
-    bool awaiting = false;
-    Clock::time_point perception_sent;
-
-    unsigned cycles = 0, answered = 0, messages = 0, beams = 0, joint_commands = 0, ignored = 0,
-             drawings = 0;
-    std::uint64_t bytes = 0;
-    std::vector<double> latencies_us;
-};
-
-/// A small stand-in for a 3D soccer simulation server: it speaks the agents'
-/// framed s-expression protocol on loopback, moves agents by "beam", counts
-/// what else they send, collects their debug drawings over UDP and draws the
-/// field as SVG.
+/// A small stand-in for a 3D soccer simulation server that keeps a real
+/// one's rules: it speaks the agents' framed s-expression protocol on
+/// loopback, runs its clock from start-up, lets agents join and beam as a
+/// real server does, moves every joint, takes the kick-off from its monitor
+/// port, collects the agents' debug drawings over UDP and draws the field as SVG.
 class StandinServer {
 public:
     explicit StandinServer(Options options);
@@ -68,43 +31,47 @@ public:
     StandinServer(const StandinServer&) = delete;
     StandinServer& operator=(const StandinServer&) = delete;
 
-    /// Binds both ports; throws std::runtime_error with the reason on failure.
+    /// Binds the three ports; throws std::runtime_error with the reason on failure.
     void open();
-    unsigned tcp_port() const { return bound_tcp_port; }
-    unsigned udp_port() const { return bound_udp_port; }
+    unsigned tcp_port() const { return ports[0]; }
+    unsigned udp_port() const { return ports[1]; }
+    unsigned monitor_port() const { return ports[2]; }
 
-    /// Waits for the agents, runs the cycles, writes the picture; progress and
-    /// problems go to `messages`. Returns the process exit status.
+    /// Runs the cycles, writes the picture; progress and problems go to
+    /// `messages`. Returns the process exit status.
     int run(std::ostream& messages);
     void print_summary(std::ostream& out) const;
 
 private:
+    void begin_cycle();
+    void admit_agents();
     bool service(Clock::time_point until, bool stop_when_answered);
-    void accept_agents();
-    void read_agent(AgentLink& agent);
-    void flush_agent(AgentLink& agent);
-    void handle_message(AgentLink& agent, std::string_view message);
-    void handle_init(AgentLink& agent, std::string_view text);
+    void accept_connections(int listener);
+    void handle_message(Agent& agent, std::string_view message);
+    void handle_scene(Agent& agent, std::string_view command);
+    void say(Agent& speaker, std::string_view command);
+    void handle_monitor(std::string_view message);
     void read_drawings();
-    void send_perception(AgentLink& agent);
-    void advance_joints();
-    void close_agent(AgentLink& agent);
+    void send_perception(Agent& agent);
     bool all_answered() const;
-    unsigned live_agents() const;
+    unsigned open_agents() const;
+    bool stepping_on_answers(Clock::time_point start_deadline) const;
     FieldPicture picture() const;
     void write_picture(const std::string& path);
 
     Options options;
     int listener = -1;
     int drawing_socket = -1;
-    unsigned bound_tcp_port = 0;
-    unsigned bound_udp_port = 0;
-    std::vector<std::unique_ptr<AgentLink>> agents;
-    std::vector<std::string> team_names;
+    int monitor_listener = -1;
+    unsigned ports[3] = {0, 0, 0};
+    Agents agents;
+    std::vector<std::unique_ptr<Link>> monitors;
+    Referee referee;
+    int kickoff_side = -1; ///< a monitor's kick-off, for the next cycle
     std::map<std::uint8_t, std::vector<demo::wire::Shape>> drawings;
     unsigned malformed_drawings = 0;
     unsigned cycle = 0;
-    double simulation_time = 0;
+    std::mt19937 random{20260622};
     std::ofstream log;
     Clock::time_point started;
     Clock::time_point finished;

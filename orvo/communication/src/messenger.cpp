@@ -51,6 +51,15 @@ bool Messenger::recieve_message() {
     return !message.empty();
 }
 
+net::Received Messenger::receive(std::chrono::milliseconds wait) {
+    const net::Received result =
+        communit != nullptr ? communit->receive_message(message, wait) : net::Received::closed;
+    if (result != net::Received::message) {
+        message.clear();
+    }
+    return result;
+}
+
 std::string Messenger::get_message() const {
     return message;
 }

@@ -48,6 +48,15 @@ Polar::Polar(const Vector3d& v) : azimuth(0.0f), elevation(0.0f) {
 
 Polar::~Polar() = default;
 
+bool Polar::operator==(const Polar& other) {
+    return static_cast<const Polar&>(*this) == other;
+}
+
+bool Polar::operator!=(const Polar& other) {
+    // Through the virtual slot, so a subclass's equality decides.
+    return !(*this == other);
+}
+
 bool Polar::operator==(const Polar& other) const {
     return distance == other.distance && azimuth == other.azimuth && elevation == other.elevation;
 }

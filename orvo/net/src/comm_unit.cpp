@@ -183,6 +183,18 @@ std::string CommUnit::get_message() {
     return payload_text(position);
 }
 
+Received CommUnit::receive_message(std::string& payload, std::chrono::milliseconds wait) {
+    if (!socket.isOpen()) {
+        return Received::closed;
+    }
+    try {
+        return reader.read(socket.getFD(), payload, wait);
+    } catch (const FrameTooLarge&) {
+        close_connection();
+        throw;
+    }
+}
+
 void CommUnit::close_connection() {
     socket.close();
 }

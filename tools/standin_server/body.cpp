@@ -1,0 +1,31 @@
+#include "body.h"
+
+#include <algorithm>
+
+namespace standin {
+
+namespace robot = orvo::robot;
+
+bool Body::command(std::string_view effector, double speed) {
+    const auto joint = robot::joint_by_effector(effector);
+    const auto index = joint ? static_cast<std::size_t>(*joint) : robot::joint_count;
+    if (index >= joints()) {
+        return false;
+    }
+    speeds[index] = speed;
+    return true;
+}
+
+void Body::advance(double seconds) {
+    constexpr double degrees_per_radian = 57.29577951308232;
+    for (std::size_t i = 0; i < joints(); ++i) {
+        // The motor keeps the commanded speed, but never beyond its limit.
+        const double speed =
+            std::clamp(speeds[i], -robot::max_joint_speed_rad, robot::max_joint_speed_rad);
+        const auto& joint = robot::joint_table()[i];
+        angles[i] = std::clamp(angles[i] + speed * seconds * degrees_per_radian, joint.min_deg,
+                               joint.max_deg);
+    }
+}
+
+} // namespace standin
