@@ -11,7 +11,7 @@ cycles=${1:-2000}
 scripts/demo.sh --sync --agents 11 --cycles "$cycles" > /dev/null
 run=build/demo-run
 echo "11 agents, $cycles cycles, sync mode (full speed), $(nproc) cores"
-grep -h "^processing time" "$run"/agent-*.txt |
+grep -h "^processing time" "$run"/*/*/output.txt |
   sed -E 's/.*min ([0-9]+) us, median ([0-9]+) us, 99% ([0-9]+) us, max ([0-9]+) us.*/\1 \2 \3 \4/' |
   sort -n -k2 | awk '
     NR == 1 { best = $1 }

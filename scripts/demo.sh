@@ -1,18 +1,37 @@
 #!/usr/bin/env bash
 # The demo: builds orvo, the host program, the demo plug-ins and the stand-in
 # server, then lets a team of agent processes (each an orvo_host assembling
-# the demo plug-ins) play against the stand-in server for a bounded number of
-# cycles, and shows one agent's action log, the server's summary and the SVG
-# picture of the field.
+# the demo plug-ins) play against the stand-in server, or against an external
+# one, and shows what every agent perceived, one agent's action log, the
+# server's summary and the SVG picture of the field.
 #
-#   scripts/demo.sh [--agents N] [--teams N] [--cycles N] [--sync] [--no-build]
+#   scripts/demo.sh [--agents N] [--teams N] [--cycles N] [--types LIST] [--sync]
+#                   [--slowdown F] [--server HOST:PORT] [--monitor-port N]
+#                   [--no-build] [--build-dir DIR] [--run-dir DIR]
 #
-#   --agents N  agent processes per team (default 11, at most 11)
-#   --teams N   1 (default) or 2; the second team plays from the other half
-#   --cycles N  cycles to play (default 250: 5 s at 50 cycles per second)
-#   --sync      let the server step as soon as every agent has answered,
-#               instead of in real time; used to measure the agents
-#   --no-build  use the existing build in build/release
+#   --agents N        agent processes per team (default 11, at most 11)
+#   --teams N         1 (default) or 2; the second team plays from the other half
+#   --cycles N        server cycles every agent plays after the kick-off
+#                     (default 250: 5 s at 50 cycles per second)
+#   --types LIST      robot types (0 to 4) of the players in start order,
+#                     repeated when shorter than the team (default
+#                     0,0,0,0,0,1,1,1,1,2,2: a mix real servers accept)
+#   --sync            let the stand-in step as soon as every agent has answered,
+#                     instead of in real time; used to measure the agents
+#   --slowdown F      the stand-in's cycles take F times 20 ms (default 1)
+#   --server HOST:PORT  play an external server (a real one) instead of the
+#                     stand-in; the kick-off goes to its monitor port
+#   --monitor-port N  the external server's monitor port (default 3200)
+#   --no-build        use the existing build
+#   --build-dir DIR   the build to use (default build/release)
+#   --run-dir DIR     where the agents run and write (default build/demo-run)
+#
+# The agents start one after another: each once the one before has connected
+# (and the stand-in has taken its connection), then 50 ms later (times the
+# slowdown; 100 ms for an external server), since a server refuses robots
+# whose connections arrive in the same cycle. Once the last has connected and
+# the team has had 100 cycles to spread out, the game is kicked off by
+# "(kickOff Left)" on the server's monitor port.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -20,30 +39,48 @@ root=$(pwd)
 agents=11
 teams=1
 cycles=250
+types=0,0,0,0,0,1,1,1,1,2,2
 sync=()
+slowdown=1
+external=
+monitor_port=3200
 build=yes
+build_dir=$root/build/release
+run=$root/build/demo-run
 while [ $# -gt 0 ]; do
   case "$1" in
     --agents) agents=$2; shift 2 ;;
     --teams) teams=$2; shift 2 ;;
     --cycles) cycles=$2; shift 2 ;;
+    --types) types=$2; shift 2 ;;
     --sync) sync=(--sync); shift ;;
+    --slowdown) slowdown=$2; shift 2 ;;
+    --server) external=$2; shift 2 ;;
+    --monitor-port) monitor_port=$2; shift 2 ;;
     --no-build) build=no; shift ;;
-    -h|--help) sed -n '2,17p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    --build-dir) build_dir=$(realpath -m "$2"); shift 2 ;;
+    --run-dir) run=$(realpath -m "$2"); shift 2 ;;
+    -h|--help) sed -n '2,34p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "demo.sh: unknown argument $1 (see --help)" >&2; exit 2 ;;
   esac
 done
+fail() { echo "demo.sh: $*" >&2; exit 2; }
 if ! [[ $agents =~ ^[0-9]+$ ]] || [ "$agents" -lt 1 ] || [ "$agents" -gt 11 ]; then
-  echo "demo.sh: --agents takes 1 to 11" >&2; exit 2
+  fail "--agents takes 1 to 11"
 fi
-if [ "$teams" != 1 ] && [ "$teams" != 2 ]; then
-  echo "demo.sh: --teams takes 1 or 2" >&2; exit 2
-fi
+[ "$teams" = 1 ] || [ "$teams" = 2 ] || fail "--teams takes 1 or 2"
 if ! [[ $cycles =~ ^[0-9]+$ ]] || [ "$cycles" -lt 1 ]; then
-  echo "demo.sh: --cycles takes a positive number" >&2; exit 2
+  fail "--cycles takes a positive number"
+fi
+[[ $types =~ ^[0-4](,[0-4])*$ ]] || fail "--types takes robot types 0 to 4, separated by commas"
+IFS=, read -r -a type_list <<< "$types"
+[[ $slowdown =~ ^[1-9][0-9]*$ ]] || fail "--slowdown takes a whole number from 1"
+[[ $monitor_port =~ ^[0-9]+$ ]] || fail "--monitor-port takes a port"
+if [ -n "$external" ]; then
+  [[ $external =~ ^(.+):([0-9]+)$ ]] || fail "--server takes HOST:PORT"
+  [ ${#sync[@]} = 0 ] || fail "--sync is for the stand-in only"
 fi
 
-build_dir=$root/build/release
 if [ "$build" = yes ]; then
   scripts/install-deps.sh
   cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
@@ -52,28 +89,17 @@ fi
 host=$build_dir/examples/host/orvo_host
 server=$build_dir/tools/standin_server/orvo_standin_server
 plugins=$build_dir/examples/demo
-for file in "$host" "$server" "$plugins/libdemo.demo.so"; do
+needed=("$host" "$plugins/libdemo.demo.so")
+[ -n "$external" ] || needed+=("$server")
+for file in "${needed[@]}"; do
   if [ ! -e "$file" ]; then
     echo "demo.sh: $file is missing; run without --no-build" >&2
     exit 1
   fi
 done
 
-# The run directory: the plug-in set's configuration and the host under the
-# tag name "demo", so that it opens libdemo.demo.so. A second team gets a run
-# directory of its own inside it, with its own team name.
-run=$root/build/demo-run
-rm -rf "$run"
-team_dirs=("$run")
-[ "$teams" = 2 ] && team_dirs+=("$run/team2")
-for dir in "${team_dirs[@]}"; do
-  mkdir -p "$dir"
-  cp -r examples/demo/config "$dir/config"
-  ln -s "$host" "$dir/demo"
-done
-[ "$teams" = 2 ] && sed -i "s/^team .*/team rivals/" "$run/team2/config/server.cfg"
-
 pids=()
+server_pid=
 cleanup() {
   local pid
   for pid in "${pids[@]}"; do
@@ -102,72 +128,159 @@ wait_for() {
   return $status
 }
 
-# Free ports are chosen by the server, so that the demo never collides with a
-# real server on 3100.
-"$server" --port 0 --drawing-port 0 --ports-file "$run/ports" --agents $((agents * teams)) \
-  --cycles "$cycles" "${sync[@]}" --start-timeout 20 --svg "$run/field.svg" \
-  --log "$run/server-log.txt" > "$run/server-summary.txt" 2> "$run/server-messages.txt" &
-server_pid=$!
-pids+=("$server_pid")
-for _ in $(seq 200); do
-  [ -s "$run/ports" ] && break
-  sleep 0.05
-done
-if [ ! -s "$run/ports" ]; then
-  echo "demo.sh: the stand-in server did not start:" >&2
-  cat "$run/server-messages.txt" >&2
-  exit 1
+# links PID: "LOCAL REMOTE" (ports in hex, as the kernel lists them) of each
+# established TCP connection of process PID.
+links() {
+  local inodes
+  inodes=$(find /proc/"$1"/fd -lname 'socket:*' -printf '%l ' 2> /dev/null | tr -dc '0-9 ')
+  [ -n "${inodes// /}" ] || return 0
+  awk -v inodes=" $inodes " '$4 == "01" && index(inodes, " " $10 " ") {
+      sub(/.*:/, "", $2); sub(/.*:/, "", $3); print $2, $3 }' \
+    /proc/net/tcp /proc/net/tcp6 2> /dev/null || true
+}
+
+# wait_connected PID: waits (bounded) until agent PID has connected to the
+# server and, with the stand-in, until the server has accepted the connection
+# (a server takes connections in at its cycles, so a connection waiting to be
+# accepted could still land in the same cycle as the next one).
+wait_connected() {
+  local deadline=$((SECONDS + 20 * slowdown)) own
+  while kill -0 "$1" 2> /dev/null && [ $SECONDS -lt $deadline ]; do
+    own=$(links "$1" | awk -v port="$port_hex" '$2 == port { print $1; exit }')
+    if [ -n "$own" ]; then
+      if [ -z "$server_pid" ] || links "$server_pid" | grep -q "^$port_hex $own\$"; then
+        return 0
+      fi
+    fi
+    sleep 0.01
+  done
+  return 1
+}
+
+# kick_off HOST PORT: "(kickOff Left)" as one frame on the monitor port.
+kick_off() {
+  timeout 5 bash -c 'exec 3<> "/dev/tcp/$0/$1" && printf "\000\000\000\016(kickOff Left)" >&3' \
+    "$1" "$2"
+}
+
+rm -rf "$run"
+mkdir -p "$run"
+if [ -n "$external" ]; then
+  server_host=${external%:*}
+  tcp_port=${external##*:}
+  udp_port=
+  gap=0.1
+  echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the server" \
+    "at $external"
+else
+  # Free ports are chosen by the server, so that the demo never collides with
+  # a real server on 3100. Agents bound their own game; the stand-in stops
+  # when the last has gone (or after a bound far beyond the game).
+  "$server" --port 0 --drawing-port 0 --monitor-port 0 --ports-file "$run/ports" \
+    --agents $((agents * teams)) --cycles $((cycles + 6000)) "${sync[@]}" \
+    --slowdown "$slowdown" --start-timeout $((20 * slowdown)) --svg "$run/field.svg" \
+    --log "$run/server-log.txt" > "$run/server-summary.txt" 2> "$run/server-messages.txt" &
+  server_pid=$!
+  pids+=("$server_pid")
+  for _ in $(seq 200); do
+    [ -s "$run/ports" ] && break
+    sleep 0.05
+  done
+  if [ ! -s "$run/ports" ]; then
+    echo "demo.sh: the stand-in server did not start:" >&2
+    cat "$run/server-messages.txt" >&2
+    exit 1
+  fi
+  server_host=127.0.0.1
+  read -r tcp_port udp_port monitor_port < "$run/ports"
+  gap=$(awk -v f="$slowdown" 'BEGIN { printf "%.3f", 0.05 * f }')
+  echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the" \
+    "stand-in server on port $tcp_port"
 fi
-read -r tcp_port udp_port _ < "$run/ports"
+port_hex=$(printf '%04X' "$tcp_port")
+
+# Every agent runs in a directory of its own, <run>/<team>/<start order>,
+# since each has its own settings (its robot type).
 outputs=()
 agent_pids=()
-for dir in "${team_dirs[@]}"; do
-  sed -i -e "s/^port .*/port $tcp_port/" -e "s/^drawing_port .*/drawing_port $udp_port/" \
-    "$dir/config/server.cfg"
-done
-echo "== $((agents * teams)) agents play $cycles cycles against the stand-in server on port $tcp_port"
-for dir in "${team_dirs[@]}"; do
-  for number in $(seq "$agents"); do
+team_names=(orvo rivals)
+for ((t = 0; t < teams; t++)); do
+  team=${team_names[$t]}
+  for ((n = 1; n <= agents; n++)); do
+    dir=$run/$team/$n
+    mkdir -p "$dir"
+    cp -r examples/demo/config "$dir/config"
+    ln -s "$host" "$dir/demo"
+    type=${type_list[$(((n - 1) % ${#type_list[@]}))]}
+    sed -i -e "s/^host .*/host $server_host/" -e "s/^port .*/port $tcp_port/" \
+      -e "s/^team .*/team $team/" -e "s/^type .*/type $type/" \
+      -e "s/^cycles .*/cycles $cycles/" -e "s/^wait .*/wait $((10 * slowdown))/" \
+      "$dir/config/server.cfg"
+    [ -z "$udp_port" ] || sed -i "s/^drawing_port .*/drawing_port $udp_port/" \
+      "$dir/config/server.cfg"
     (cd "$dir" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
-      exec ./demo > "agent-$number.txt" 2>&1) &
+      exec ./demo > output.txt 2>&1) &
     agent_pids+=($!)
     pids+=($!)
-    outputs+=("$dir/agent-$number.txt")
+    outputs+=("$dir/output.txt")
+    if ! wait_connected $!; then
+      echo "demo.sh: $team/$n did not connect to the server" >&2
+    fi
+    sleep "$gap"
   done
 done
 
-budget=$((cycles / 25 + 30))
-server_status=0
-wait_for "$server_pid" "$budget" || server_status=$?
+# The team spreads out over 100 cycles before the kick-off.
+sleep "$(awk -v f="$slowdown" 'BEGIN { printf "%.2f", 100 * 0.02 * f }')"
+if ! kick_off "$server_host" "$monitor_port" 2> /dev/null; then
+  echo "demo.sh: no kick-off: nothing answers on $server_host:$monitor_port" >&2
+fi
+
 failed=0
+budget=$(((cycles / 25 + 30) * slowdown))
 for index in "${!agent_pids[@]}"; do
   status=0
-  wait_for "${agent_pids[$index]}" 10 || status=$?
+  wait_for "${agent_pids[$index]}" "$budget" || status=$?
   if [ $status -ne 0 ]; then
-    echo "demo.sh: agent process ${outputs[$index]%.txt} ended with status $status:" >&2
+    echo "demo.sh: agent process ${outputs[$index]%/output.txt} ended with status $status:" >&2
     tail -n 20 "${outputs[$index]}" >&2
     failed=1
   fi
 done
-pids=()
-if [ $server_status -ne 0 ]; then
-  echo "demo.sh: the stand-in server ended with status $server_status:" >&2
-  cat "$run/server-messages.txt" >&2
-  exit 1
+if [ -n "$server_pid" ]; then
+  server_status=0
+  wait_for "$server_pid" 20 || server_status=$?
+  if [ $server_status -ne 0 ]; then
+    echo "demo.sh: the stand-in server ended with status $server_status:" >&2
+    cat "$run/server-messages.txt" >&2
+    failed=1
+  fi
 fi
+pids=()
 
+echo
+echo "== every agent: start order, robot type, number, server cycles, perceptions"
+for output in "${outputs[@]}"; do
+  agent=${output#"$run"/}
+  agent=${agent%/output.txt}
+  type=$(sed -n 's/^type //p' "${output%output.txt}config/server.cfg")
+  line=$(awk 'NR == 1 { first = $0 } NR == 2 { print first "; " $0 } NR == 2 { exit }' "$output")
+  echo "$agent, type $type: ${line:-(no report)}"
+done
 # One agent's story: the one the server made number 7, or the first.
-shown=$(grep -l "^agent 7 of team" "$run"/agent-*.txt 2> /dev/null | head -n 1 || true)
-shown=${shown:-$run/agent-1.txt}
+shown=$(grep -l "^agent 7 of team" "${outputs[@]}" 2> /dev/null | head -n 1 || true)
+shown=${shown:-${outputs[0]}}
 echo
 echo "== one agent's output ($shown): its action log and current action"
 cat "$shown"
 echo
 echo "== processing time per cycle of every agent (receive to send)"
 grep -h "^processing time" "${outputs[@]}" || true
-echo
-echo "== the stand-in server's summary"
-cat "$run/server-summary.txt"
-echo
-echo "== picture of the field: $run/field.svg"
+if [ -z "$external" ]; then
+  echo
+  echo "== the stand-in server's summary"
+  cat "$run/server-summary.txt"
+  echo
+  echo "== picture of the field: $run/field.svg"
+fi
 exit $failed

@@ -5,6 +5,7 @@
 #include "beam_to.h"
 #include "find_cell.h"
 #include "head_effector.h"
+#include "hold_position.h"
 #include "look_around.h"
 #include "spread_out.h"
 #include "take_position.h"
@@ -17,6 +18,7 @@ ORVO_COMPONENT_FACTORY(configuration, demo::TeamConfiguration)
 ORVO_COMPONENT_FACTORY(worldmodel, demo::WorldModel)
 ORVO_COMPONENT_FACTORY(behavior_take_position, demo::TakePosition)
 ORVO_COMPONENT_FACTORY(behavior_spread_out, demo::SpreadOut)
+ORVO_COMPONENT_FACTORY(behavior_hold_position, demo::HoldPosition)
 ORVO_COMPONENT_FACTORY(skill_beam, demo::BeamTo)
 ORVO_COMPONENT_FACTORY(skill_find_cell, demo::FindCell)
 ORVO_COMPONENT_FACTORY(skill_look, demo::LookAround)

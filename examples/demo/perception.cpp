@@ -3,7 +3,7 @@
 namespace demo {
 
 bool PerceptionParser::parse(std::string_view message, Perception& out) {
-    out.has_time = out.has_game_state = out.has_position = out.has_vision = false;
+    out.has_time = out.has_game_state = out.has_vision = false;
     out.has_head_angles = false;
     out.unum = 0;
     out.side.clear();
@@ -28,12 +28,6 @@ bool PerceptionParser::parse(std::string_view message, Perception& out) {
             out.play_mode = std::string(tree.value(element, "pm"));
             to_int(tree.value(element, "unum"), out.unum);
             out.side = std::string(tree.value(element, "team"));
-        } else if (name == "mypos") {
-            const std::int32_t x = tree.first_argument(element);
-            const std::int32_t y = x == SExpression::none ? x : tree.next(x);
-            const std::int32_t z = y == SExpression::none ? y : tree.next(y);
-            out.has_position = z != SExpression::none && to_float(tree[x].atom, out.x) &&
-                               to_float(tree[y].atom, out.y) && to_float(tree[z].atom, out.z);
         } else if (name == "HJ") {
             const std::string_view joint = tree.value(element, "n");
             if (joint == "hj1") {

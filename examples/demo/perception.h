@@ -21,7 +21,8 @@ struct SeenPlayer {
 };
 
 /// What the demo agent takes from one server message. Elements it does not
-/// know (gyroscope, force sensors, lines, flags, ...) are skipped.
+/// know (gyroscope, force sensors, lines, flags, ...) are skipped. No server
+/// tells an agent where it is: the agent remembers its beams.
 struct Perception {
     bool has_time = false;
     double now = 0; ///< server time, seconds
@@ -31,10 +32,6 @@ struct Perception {
     std::string play_mode;
     int unum = 0;     ///< 0 unless this message tells the agent its number
     std::string side; ///< "left" or "right" when told, else empty
-
-    /// Only the stand-in server tells an agent where it is.
-    bool has_position = false;
-    float x = 0, y = 0, z = 0;
 
     bool has_vision = false;
     std::vector<SeenPlayer> players;

@@ -85,6 +85,8 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
             settings.team = value;
         } else if (key == "unum") {
             settings.unum = number(file, line, key, value, 0, 11, "a player number");
+        } else if (key == "type") {
+            settings.type = number(file, line, key, value, 0, 4, "a robot type");
         } else if (key == "cycles") {
             settings.cycles = number(file, line, key, value, 0, 100000000, "a cycle count");
         } else if (key == "wait") {

@@ -14,9 +14,11 @@ struct Settings {
     /// UDP port of the server's host.
     unsigned int drawing_port = 15096;
     std::string team = "orvo";
-    unsigned int unum = 0;   ///< 0 lets the server choose the player number
-    unsigned int cycles = 0; ///< cycles to play; 0 plays until the server closes
-    unsigned int wait = 10;  ///< seconds to wait for a server message before giving up
+    unsigned int unum = 0; ///< 0 lets the server choose the player number
+    unsigned int type = 0; ///< robot type, 0 to 4; a team must mix them
+    unsigned int cycles =
+        0;                  ///< server cycles to play from the kick-off; 0: until the server closes
+    unsigned int wait = 10; ///< seconds to wait for a server message before giving up
 };
 
 /// Reads "key value" lines into `settings`; "#" starts a comment, blank lines

@@ -14,9 +14,10 @@ class FindCell;
 class LookAround;
 class WorldModel;
 
-/// "behavior_spread_out": moves the player halfway towards the centroid of
-/// its Voronoi cell among its team-mates, while looking around. Played by the
-/// whole team, cycle after cycle, this spreads the team evenly over its half.
+/// "behavior_spread_out": while the play mode allows beams, moves the player
+/// halfway towards the centroid of its Voronoi cell among its team-mates, and
+/// looks around. Played by the whole team, cycle after cycle, this spreads the
+/// team evenly over its half.
 class SpreadOut : public orvo::behaviors::Behavior {
 public:
     void link(orvo::Class_Map& classes) override;

@@ -14,15 +14,14 @@
 #include <iostream>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <poll.h>
 #include <sys/socket.h>
 
 namespace demo {
 
 namespace {
 constexpr const char* source_file = "demo/team_agent.cpp";
-constexpr int line_not_connected = 58;
-constexpr int line_silent_server = 75;
+constexpr int line_not_connected = 47;
+constexpr int line_silent_server = 74;
 
 std::string where(const char* function, int line) {
     return orvo::gen_ffl_string(source_file, function, line);
@@ -38,6 +37,8 @@ void TeamAgent::link(orvo::Class_Map& classes) {
     take_position =
         orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_take_position", classes);
     spread_out = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_spread_out", classes);
+    hold_position =
+        orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_hold_position", classes);
 }
 
 void TeamAgent::run() {
@@ -53,26 +54,27 @@ void TeamAgent::run() {
     const int yes = 1;
     setsockopt(communit->get_socket().getFD(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
 
-    messenger->send_message("(scene rsg/agent/nao/nao.rsg)");
-    char init[96];
-    std::snprintf(init, sizeof init, "(init (unum %u)(teamname %s))", settings.unum,
-                  settings.team.c_str());
-    messenger->send_message(init);
+    // The robot comes onto the field now; it joins the team with the first perception.
+    char scene[64];
+    std::snprintf(scene, sizeof scene, "(scene rsg/agent/nao/nao_hetero.rsg %u)", settings.type);
+    messenger->send_message(scene);
 
     // Enough for a whole real game without growing in the middle of it.
     cycle_micros.reserve(settings.cycles != 0 && settings.cycles < 8192 ? settings.cycles : 8192);
-    while (settings.cycles == 0 || cycles < settings.cycles) {
-        if (!wait_for_server(static_cast<int>(settings.wait))) {
+    const std::chrono::milliseconds wait(std::chrono::seconds(settings.wait));
+    // The game's length counts from the kick-off: however long the team took
+    // to gather, every agent plays the same cycles of it.
+    while (settings.cycles == 0 || !kicked_off ||
+           clock.cycles() - before_kick_off < settings.cycles) {
+        const orvo::net::Received got = messenger->receive(wait);
+        if (got == orvo::net::Received::closed) {
+            break;
+        }
+        if (got == orvo::net::Received::timed_out) {
             throw orvo::Exception(where("run", line_silent_server),
                                   "no message from the server for " +
                                       std::to_string(settings.wait) + " s",
                                   "Exception");
-        }
-        if (!messenger->recieve_message()) {
-            if (server_closed()) {
-                break;
-            }
-            continue;
         }
         const auto received = std::chrono::steady_clock::now();
         play(messenger->get_message());
@@ -84,42 +86,58 @@ void TeamAgent::run() {
 }
 
 void TeamAgent::play(const std::string& message) {
-    ++cycles;
     if (!parser.parse(message, perception)) {
         ++unreadable; // still answered, so that a synchronous server goes on
     } else {
+        clock.perceived(perception.now);
         world->update(perception);
-        // Until the server has told the agent its number, it cannot take its place.
-        if (world->number() != 0) {
-            if (!world->has_beamed()) {
-                (*take_position)();
-            } else {
-                (*spread_out)();
-            }
+        if (!kicked_off && world->kicked_off()) {
+            kicked_off = true;
+            before_kick_off = clock.cycles() - 1;
         }
+        act();
     }
     world->drawings().execute();
     messenger->send_message("(syn)");
 }
 
-bool TeamAgent::wait_for_server(int seconds) {
-    pollfd readable{communit->get_socket().getFD(), POLLIN, 0};
-    return poll(&readable, 1, seconds * 1000) > 0;
+void TeamAgent::act() {
+    if (!joined) {
+        join();
+        return;
+    }
+    // Until the server has told the agent its number, it cannot take its place.
+    if (world->number() == 0) {
+        return;
+    }
+    if (!world->may_beam()) {
+        (*hold_position)();
+    } else if (!world->has_beamed()) {
+        (*take_position)();
+    } else {
+        (*spread_out)();
+    }
 }
 
-bool TeamAgent::server_closed() const {
-    char byte = 0;
-    return recv(communit->get_socket().getFD(), &byte, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+void TeamAgent::join() {
+    // A server ignores an "init" that arrives before it has sent the robot a perception.
+    char init[96];
+    const Settings& settings = configuration->settings;
+    std::snprintf(init, sizeof init, "(init (unum %u)(teamname %s))", settings.unum,
+                  settings.team.c_str());
+    messenger->send_message(init);
+    joined = true;
 }
 
 void TeamAgent::report(std::ostream& out) {
     const Settings& settings = configuration->settings;
     out << "agent " << world->number() << " of team " << settings.team << " ("
-        << (world->on_right_side() ? "right" : "left") << "): " << cycles << " cycles";
+        << (world->on_right_side() ? "right" : "left") << "): " << clock.cycles() << " cycles";
     if (unreadable != 0) {
         out << ", " << unreadable << " unreadable messages";
     }
-    out << "\n\n";
+    out << "\nperceptions: " << clock.received() << " received, " << clock.missed()
+        << " missed\n\n";
     action_log->print(out);
     out << '\n';
     if (action_log->current_action != action_log->actions.end()) {

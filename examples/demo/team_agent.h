@@ -2,6 +2,7 @@
 #define ORVO_DEMO_TEAM_AGENT_H
 
 #include "perception.h"
+#include "server_clock.h"
 
 #include <orvo/core/agent.h>
 
@@ -27,10 +28,11 @@ namespace demo {
 class TeamConfiguration;
 class WorldModel;
 
-/// The "agent": greets the server, then plays one cycle per server message
+/// The "agent": puts its robot on the field, joins the team once the server
+/// has sent the first perception, then plays one cycle per server message
 /// (read the perception, let a behavior act, send the drawings, end with
 /// "(syn)") until the server closes the connection or the configured number
-/// of cycles is reached; then reports what it did.
+/// of server cycles has passed since the kick-off; then reports what it did.
 class TeamAgent : public orvo::Agent {
 public:
     void link(orvo::Class_Map& classes) override;
@@ -41,8 +43,8 @@ public:
     void report(std::ostream& out);
 
 private:
-    bool wait_for_server(int seconds);
-    bool server_closed() const;
+    void join();
+    void act();
 
     orvo::communication::Messenger* messenger = nullptr;
     orvo::net::CommUnit* communit = nullptr;
@@ -51,10 +53,14 @@ private:
     orvo::knowledgebase::ActionLog* action_log = nullptr;
     orvo::behaviors::Behavior* take_position = nullptr;
     orvo::behaviors::Behavior* spread_out = nullptr;
+    orvo::behaviors::Behavior* hold_position = nullptr;
 
     PerceptionParser parser;
     Perception perception;
-    unsigned cycles = 0;
+    ServerClock clock;
+    bool kicked_off = false;
+    unsigned before_kick_off = 0; ///< server cycles from the first perception to the kick-off
+    bool joined = false;          ///< "init" sent
     unsigned unreadable = 0;
     std::vector<double> cycle_micros; ///< receive to "(syn)" sent, per cycle
 };

@@ -46,26 +46,31 @@ void WorldModel::update(const Perception& perception) {
         right_side = perception.side == "right";
         debug->setTeam(right_side ? 1 : 0);
     }
-    if (perception.has_position) {
-        own_position = orvo::math::Vector3d(perception.x, perception.y, perception.z);
+    if (perception.has_game_state) {
+        mode = perception.play_mode;
     }
     if (perception.has_head_angles) {
         head_pan_degrees = perception.head_pan;
     }
     if (perception.has_vision) {
-        mates.clear();
+        // A narrow view shows some team-mates at a time; the others stay where last seen.
         const std::string& team = configuration->settings.team;
         for (const SeenPlayer& player : perception.players) {
             if (player.team != team || player.id == unum) {
                 continue;
             }
-            // The demo never turns, so the agent's frame is the team's frame.
-            const orvo::math::Vector3d relative(
-                orvo::math::Polar(player.distance, player.azimuth, player.elevation));
+            // The eyes sit in the head, which pans; the body faces the
+            // opponent's goal, so the body's frame is the team's frame.
+            const orvo::math::Vector3d relative(orvo::math::Polar(
+                player.distance, player.azimuth + head_pan_degrees, player.elevation));
             mates[player.id] =
                 orvo::math::Vector2d(own_position.x + relative.x, own_position.y + relative.y);
         }
     }
+}
+
+bool WorldModel::may_beam() const {
+    return mode == "BeforeKickOff" || mode == "Goal_Left" || mode == "Goal_Right";
 }
 
 void WorldModel::beamed_to(float x, float y) {

@@ -12,6 +12,7 @@
 
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace demo {
@@ -38,12 +39,18 @@ public:
     unsigned int time() const { return time_ms; }
     int number() const { return unum; }
     bool on_right_side() const { return right_side; }
+    /// The play mode last reported ("BeforeKickOff", "PlayOn", ...).
+    const std::string& play_mode() const { return mode; }
+    /// Whether the play mode lets the agent beam: before kick-off and after a goal.
+    bool may_beam() const;
+    /// Whether the game has been kicked off.
+    bool kicked_off() const { return !mode.empty() && mode != "BeforeKickOff"; }
     /// Whether the agent has beamed since it started.
     bool has_beamed() const { return beamed; }
     const orvo::math::Vector3d& position() const { return own_position; }
-    /// A real server never reports the position: the agent remembers its beams.
+    /// No server reports the position: the agent remembers its beams.
     void beamed_to(float x, float y);
-    /// Team-mates as last seen, in the team's frame.
+    /// Team-mates where each was last seen, in the team's frame.
     std::vector<orvo::math::Vector2d> team_mates() const;
     float head_pan() const { return head_pan_degrees; }
 
@@ -58,6 +65,7 @@ private:
     unsigned int time_ms = 0;
     int unum = 0;
     bool right_side = false;
+    std::string mode;
     bool beamed = false;
     orvo::math::Vector3d own_position;
     std::map<int, orvo::math::Vector2d> mates;

@@ -1,5 +1,6 @@
-// The demo as a user runs it: the stand-in server and several host processes,
-// each assembling the demo plug-ins, play a bounded game on loopback.
+// The demo as a user runs it: scripts/demo.sh starts the stand-in server, which
+// keeps a real server's rules, and a team of host processes, each assembling
+// the demo plug-ins, plays a bounded game on loopback.
 
 #include "child_process.h"
 
@@ -9,11 +10,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -25,6 +28,8 @@ using namespace std::chrono_literals;
 namespace fs = std::filesystem;
 
 using orvo_test::count_of;
+
+constexpr int team_size = 11;
 
 class DemoGame : public ::testing::Test {
 protected:
@@ -64,65 +69,153 @@ protected:
     std::string error;
 };
 
-TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
-    constexpr std::size_t agents = 4;
-    constexpr int cycles = 40;
-    const std::string dir = scratch.path.string();
-    std::vector<std::string> argv{STANDIN_SERVER};
-    std::istringstream options("--port 0 --drawing-port 0 --ports-file ports --agents 4 "
-                               "--cycles 40 --sync --start-timeout 20 --cycle-timeout 5 "
-                               "--log log.txt --svg field.svg");
-    argv.insert(argv.end(), std::istream_iterator<std::string>(options), {});
-    orvo_test::ChildProcess server(argv, dir, dir + "/server.out", dir + "/server.err");
-    ASSERT_TRUE(orvo_test::wait_for_file(dir + "/ports", 10s)) << server.error_text();
-    unsigned tcp = 0, udp = 0;
-    std::ifstream(dir + "/ports") >> tcp >> udp;
-    set("port", std::to_string(tcp));
-    set("drawing_port", std::to_string(udp));
+/// One agent's report: the first lines of its output.
+struct Report {
+    std::string agent; ///< "orvo/N", N the start order
+    int number = -1;
+    unsigned received = 0, missed = 0;
+    std::string output;
+};
 
-    std::vector<std::unique_ptr<orvo_test::ChildProcess>> hosts;
-    for (std::size_t i = 0; i < agents; ++i) {
-        hosts.push_back(start_host("agent" + std::to_string(i), DEMO_PLUGIN_DIR));
+/// What one run of scripts/demo.sh left behind.
+struct DemoRun {
+    int status = -1;
+    std::string output; ///< the script's, then its error text
+    fs::path dir;
+    std::vector<Report> agents; ///< in start order
+    std::string summary;        ///< the stand-in's
+};
+
+DemoRun play(const fs::path& dir, const std::vector<std::string>& options) {
+    DemoRun run;
+    run.dir = dir;
+    std::vector<std::string> argv{"/bin/bash",   DEMO_SCRIPT,    "--no-build",
+                                  "--build-dir", ORVO_BUILD_DIR, "--run-dir",
+                                  dir.string(),  "--slowdown",   DEMO_SLOWDOWN};
+    argv.insert(argv.end(), options.begin(), options.end());
+    const std::string log = dir.string() + ".txt";
+    orvo_test::ChildProcess script(argv, fs::current_path().string(), log, log + ".err");
+    run.status = script.wait_for(180s);
+    run.output = script.output_text() + script.error_text();
+    run.summary = orvo_test::ChildProcess::read((dir / "server-summary.txt").string());
+    const std::regex head("^agent (\\d+) of team orvo \\(left\\): (\\d+) cycles\n"
+                          "perceptions: (\\d+) received, (\\d+) missed\n");
+    for (int n = 1; n <= team_size; ++n) {
+        Report report;
+        report.agent = "orvo/" + std::to_string(n);
+        report.output = orvo_test::ChildProcess::read((dir / report.agent / "output.txt").string());
+        std::smatch match;
+        if (std::regex_search(report.output, match, head)) {
+            report.number = std::stoi(match[1]);
+            report.received = std::stoul(match[3]);
+            report.missed = std::stoul(match[4]);
+        }
+        run.agents.push_back(std::move(report));
     }
-    ASSERT_EQ(server.wait_for(60s), 0) << server.error_text();
-    std::map<int, std::string> outputs; // by player number
-    for (auto& host : hosts) {
-        ASSERT_EQ(host->wait_for(20s), 0) << host->error_text();
-        EXPECT_EQ(host->error_text(), "");
-        const std::string output = host->output_text();
-        std::smatch number;
-        ASSERT_TRUE(std::regex_search(output, number, std::regex("^agent (\\d+) of team orvo")))
-            << output;
-        outputs[std::stoi(number[1])] = output;
+    return run;
+}
+
+/// Where the stand-in saw each robot of team orvo at kick-off, by connection
+/// (start order), in the field's frame.
+std::map<int, std::pair<double, double>> kick_off_positions(const std::string& summary) {
+    // agent type team unum joined perceptions pairs answered messages bytes beams joints
+    // drawings kick-off-x kick-off-y latency
+    const std::regex row("\\s*(\\d+) +\\d +orvo +\\d+ +\\w+( +\\d+){8} +(-?\\d+\\.\\d+) "
+                         "(-?\\d+\\.\\d+) .*");
+    std::map<int, std::pair<double, double>> positions;
+    std::istringstream lines(summary);
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (std::regex_match(line, match, row)) {
+            positions[std::stoi(match[1])] = {std::stod(match[3]), std::stod(match[4])};
+        }
     }
-    ASSERT_EQ(outputs.size(), agents); // every number given once
+    return positions;
+}
 
-    // Every agent answered every cycle.
-    const std::string summary = server.output_text();
-    EXPECT_EQ(count_of(summary, "     40       40 "), agents) << summary;
+/// What is wrong with a run of the demo team against a server with a real
+/// server's rules: one line per fault, none when the team played as it should.
+std::vector<std::string> faults(const DemoRun& run) {
+    std::vector<std::string> found;
+    if (run.status != 0) {
+        found.push_back("demo.sh ended with status " + std::to_string(run.status));
+    }
+    std::vector<int> numbers;
+    for (const Report& agent : run.agents) {
+        if (agent.number < 0) {
+            found.push_back(agent.agent + ": no report");
+        } else if (agent.received == 0 || agent.missed != 0) {
+            found.push_back(agent.agent + ": " + std::to_string(agent.received) + " received, " +
+                            std::to_string(agent.missed) + " missed");
+        }
+        numbers.push_back(agent.number);
+    }
+    std::sort(numbers.begin(), numbers.end());
+    std::vector<int> one_to_eleven(team_size);
+    std::iota(one_to_eleven.begin(), one_to_eleven.end(), 1);
+    if (numbers != one_to_eleven) {
+        std::ostringstream line;
+        line << "numbers:";
+        for (const int number : numbers) {
+            line << ' ' << number;
+        }
+        found.push_back(line.str());
+    }
+    const auto positions = kick_off_positions(run.summary);
+    if (positions.size() != team_size) {
+        found.push_back(std::to_string(positions.size()) + " positions at kick-off");
+    }
+    for (auto one = positions.begin(); one != positions.end(); ++one) {
+        const auto [x, y] = one->second;
+        if (x > 0 || x < -15 || std::abs(y) > 10) {
+            found.push_back("robot " + std::to_string(one->first) + " outside its half");
+        }
+        for (auto other = std::next(one); other != positions.end(); ++other) {
+            if (std::hypot(x - other->second.first, y - other->second.second) < 1) {
+                found.push_back("robots " + std::to_string(one->first) + " and " +
+                                std::to_string(other->first) + " closer than 1 m");
+            }
+        }
+    }
+    return found;
+}
 
-    // What the server received from each connection, in order, and the
-    // connection of each player number.
+std::string lines(const std::vector<std::string>& text) {
+    std::string joined;
+    for (const auto& line : text) {
+        joined += line + '\n';
+    }
+    return joined;
+}
+
+TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerception) {
+    orvo_test::ScratchDir scratch;
+    const DemoRun run = play(scratch.path / "run", {"--cycles", "100"});
+    ASSERT_EQ(lines(faults(run)), "") << run.output;
+
+    // What the server received from each connection, in order, by connection number.
     std::map<int, std::vector<std::string>> by_connection;
-    std::map<int, int> connection_of;
-    std::ifstream log(dir + "/log.txt");
+    std::ifstream log(run.dir / "server-log.txt");
     for (int connection = 0, unum = 0, cycle = 0; log >> connection >> unum >> cycle;) {
         std::string message;
         std::getline(log >> std::ws, message);
         by_connection[connection].push_back(message);
-        connection_of[unum] = connection;
     }
-    for (const auto& [unum, output] : outputs) {
-        SCOPED_TRACE("player " + std::to_string(unum));
-        const auto& messages = by_connection[connection_of[unum]];
+    const char types[] = "00000111122";
+    for (int n = 1; n <= team_size; ++n) {
+        const Report& agent = run.agents[n - 1];
+        SCOPED_TRACE(agent.agent);
+        // Connections are numbered in the order the agents started.
+        const auto& messages = by_connection[n];
         ASSERT_GE(messages.size(), 3u);
-        EXPECT_EQ(messages[0], "(scene rsg/agent/nao/nao.rsg)");
+        EXPECT_EQ(messages[0],
+                  std::string("(scene rsg/agent/nao/nao_hetero.rsg ") + types[n - 1] + ")");
         EXPECT_EQ(messages[1], "(init (unum 0)(teamname orvo))");
         // One "(syn)" ends every cycle's answer; the effectors' commands come before it.
         std::vector<std::string> commands;
         std::copy_if(messages.begin() + 2, messages.end(), std::back_inserter(commands),
                      [](const std::string& m) { return m != "(syn)"; });
-        EXPECT_EQ(messages.size() - 2 - commands.size(), std::size_t{cycles});
+        EXPECT_EQ(messages.size() - 2 - commands.size(), std::size_t{agent.received});
         EXPECT_EQ(messages.back(), "(syn)");
         ASSERT_FALSE(commands.empty());
         EXPECT_TRUE(std::regex_match(
@@ -133,42 +226,50 @@ TEST_F(DemoGame, FourAgentsPlayAGameThatTheServerAndThePictureRecord) {
         // what the server received, in the same order.
         std::vector<std::string> recorded;
         const std::regex effector("-> Effector \\(effector_(beam|head): (.*)\\)$");
-        std::istringstream lines(output);
-        for (std::string line; std::getline(lines, line);) {
+        std::istringstream output(agent.output);
+        for (std::string line; std::getline(output, line);) {
             std::smatch match;
             if (std::regex_search(line, match, effector)) {
                 recorded.push_back(match[2]);
             }
         }
-        ASSERT_GE(recorded.size(), 10u) << output; // ten actions kept, a head command each
+        ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a head command each
         ASSERT_LE(recorded.size(), commands.size());
         const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
                                             commands.end());
         EXPECT_EQ(recorded, tail);
 
-        // The log keeps the last ten cycles, all spreading out with their skills.
-        EXPECT_EQ(count_of(output, "[Descriptor_Action] Behavior(behavior_spread_out)"), 10u);
-        EXPECT_EQ(count_of(output, "-> Skill (skill_find_cell: 3 mates, area "), 10u) << output;
-        EXPECT_EQ(count_of(output, "-> Skill (skill_look: pan "), 10u);
-        EXPECT_NE(output.find("[i][Action Log]\n\n\t-> @Sim ("), std::string::npos) << output;
-        // The current action: find the cell, perhaps beam towards its centroid, look around.
-        EXPECT_TRUE(std::regex_search(
-            output, std::regex("current action: \\(log \\(action \\(initiator "
-                               "behavior_spread_out\\)\\(skill_chain \\(skill \\(id "
-                               "skill_find_cell\\)\\)( \\(skill \\(id skill_beam\\)\\))? "
-                               "\\(skill \\(id skill_look\\)\\)\\)\\(effectors( \\(effector "
-                               "\\(id effector_beam\\)\\))? \\(effector \\(id "
-                               "effector_head\\)\\)\\)\\)\\)\n")))
-            << output;
-        EXPECT_NE(output.find("processing time per cycle (receive to send): min "),
+        // After the kick-off the log keeps ten cycles of holding the place: no beam.
+        EXPECT_EQ(count_of(agent.output, "[Descriptor_Action] Behavior(behavior_hold_position)"),
+                  10u)
+            << agent.output;
+        EXPECT_EQ(count_of(agent.output, "-> Skill (skill_find_cell: "), 10u);
+        EXPECT_EQ(count_of(agent.output, "-> Skill (skill_look: pan "), 10u);
+        EXPECT_EQ(count_of(agent.output, "effector_beam"), 0u);
+        EXPECT_NE(agent.output.find("current action: (log (action (initiator "
+                                    "behavior_hold_position)(skill_chain (skill (id "
+                                    "skill_find_cell)) (skill (id skill_look)))(effectors "
+                                    "(effector (id effector_head)))))\n"),
+                  std::string::npos)
+            << agent.output;
+        EXPECT_NE(agent.output.find("processing time per cycle (receive to send): min "),
                   std::string::npos);
     }
 
     // The picture shows every agent and its cell.
-    const std::string svg = orvo_test::ChildProcess::read(dir + "/field.svg");
+    const std::string svg = orvo_test::ChildProcess::read((run.dir / "field.svg").string());
     for (const std::string shape : {"cell", "agent", "point", "line"}) {
-        EXPECT_EQ(count_of(svg, "class=\"" + shape + "\""), agents) << shape;
+        EXPECT_EQ(count_of(svg, "class=\"" + shape + "\""), std::size_t{team_size}) << shape;
     }
+}
+
+TEST(DemoTeam, ATeamOfOneRobotTypeIsCaught) {
+    // A real server takes at most 7 robots of one type into a team.
+    orvo_test::ScratchDir scratch;
+    const DemoRun run = play(scratch.path / "run", {"--cycles", "20", "--types", "0"});
+    const std::string found = lines(faults(run));
+    EXPECT_NE(found.find("numbers: 0 0 0 0 1 2 3 4 5 6 7\n"), std::string::npos)
+        << found << run.output;
 }
 
 TEST_F(DemoGame, MissingPlugInsMalformedSettingsAndWrongPortsStopTheHost) {

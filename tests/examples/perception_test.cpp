@@ -27,8 +27,7 @@ TEST(Perception, ReadsEveryRecordedMessageOfARealServer) {
         EXPECT_TRUE(perception.has_game_state);
         EXPECT_EQ(perception.play_mode, "BeforeKickOff");
         EXPECT_EQ(perception.game_time, 0.0);
-        // A real server never tells the position; only one message tells the number.
-        EXPECT_FALSE(perception.has_position);
+        // Only one message tells the number.
         EXPECT_EQ(perception.unum, i == 4 ? 1 : 0);
         EXPECT_EQ(perception.side, i == 4 ? "left" : "");
         EXPECT_TRUE(perception.has_head_angles);
@@ -54,7 +53,7 @@ TEST(Perception, ReadsEveryRecordedMessageOfARealServer) {
     }
 }
 
-TEST(Perception, ReadsTheStandInsExtrasAndSkipsWhatItDoesNotKnow) {
+TEST(Perception, ReadsNumberSidePlayModeAndPlayersAndSkipsWhatItDoesNotKnow) {
     demo::PerceptionParser parser;
     demo::Perception perception;
     ASSERT_TRUE(parser.parse("(time (now 0.04))(GS (unum 7) (team right) (t 1.50) (pm PlayOn))"
@@ -66,9 +65,6 @@ TEST(Perception, ReadsTheStandInsExtrasAndSkipsWhatItDoesNotKnow) {
     EXPECT_EQ(perception.side, "right");
     EXPECT_EQ(perception.play_mode, "PlayOn");
     EXPECT_DOUBLE_EQ(perception.game_time, 1.5);
-    EXPECT_TRUE(perception.has_position);
-    EXPECT_FLOAT_EQ(perception.x, -3.25f);
-    EXPECT_FLOAT_EQ(perception.z, 0.35f);
     // A player without a position (id 9) is skipped.
     ASSERT_EQ(perception.players.size(), 1u);
     EXPECT_EQ(perception.players[0].id, 4);
@@ -83,15 +79,16 @@ TEST(Perception, BrokenMessagesAreRefusedWithoutHarm) {
     EXPECT_FALSE(parser.parse("(time (now 1.00))(GS (t 0)", perception));    // unbalanced
     EXPECT_FALSE(parser.parse("(time (now 1.00)))", perception));            // one ) too many
     EXPECT_FALSE(parser.parse("(time (now x))", perception));
-    ASSERT_TRUE(parser.parse("(time (now 1.00))(mypos 1 2)", perception));
-    EXPECT_FALSE(perception.has_position); // two coordinates are not a position
     // The previous message's content does not leak into the next.
-    ASSERT_TRUE(
-        parser.parse("(time (now 1.00))(GS (unum 2) (team left))(mypos 1 2 3)", perception));
+    ASSERT_TRUE(parser.parse("(time (now 1.00))(GS (unum 2) (team left) (pm PlayOn))"
+                             "(See (P (team orvo) (id 4) (head (pol 5 0 0))))",
+                             perception));
     ASSERT_TRUE(parser.parse("(time (now 1.02))", perception));
     EXPECT_EQ(perception.unum, 0);
-    EXPECT_FALSE(perception.has_position);
+    EXPECT_EQ(perception.play_mode, "");
     EXPECT_FALSE(perception.has_game_state);
+    EXPECT_FALSE(perception.has_vision);
+    EXPECT_TRUE(perception.players.empty());
 }
 
 TEST(SExpression, NestedListsLinkChildrenAndSiblings) {

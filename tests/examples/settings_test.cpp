@@ -18,17 +18,17 @@ demo::Settings read(const std::string& text) {
     return settings;
 }
 
-std::tuple<std::string, unsigned, unsigned, std::string, unsigned, unsigned, unsigned>
+std::tuple<std::string, unsigned, unsigned, std::string, unsigned, unsigned, unsigned, unsigned>
 fields(const demo::Settings& s) {
-    return {s.host, s.port, s.drawing_port, s.team, s.unum, s.cycles, s.wait};
+    return {s.host, s.port, s.drawing_port, s.team, s.unum, s.type, s.cycles, s.wait};
 }
 
 TEST(Settings, DefaultsPointAtTheLocalServerAndEveryKeyIsRead) {
     EXPECT_EQ(fields(read("# nothing but a comment\n\n   \n")),
-              fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 10}));
+              fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 0, 10}));
     EXPECT_EQ(fields(read("host 10.0.0.7\nport 3200 # trailing comment\n\tdrawing_port 32769\n"
-                          "team blue-2\nunum 11\ncycles 250\nwait 3\n")),
-              fields(demo::Settings{"10.0.0.7", 3200, 32769, "blue-2", 11, 250, 3}));
+                          "team blue-2\nunum 11\ntype 4\ncycles 250\nwait 3\n")),
+              fields(demo::Settings{"10.0.0.7", 3200, 32769, "blue-2", 11, 4, 250, 3}));
 }
 
 TEST(Settings, MalformedValuesNameFileLineAndValue) {
@@ -43,6 +43,7 @@ TEST(Settings, MalformedValuesNameFileLineAndValue) {
         {"port 65536", "port: '65536' is not a port (1-65535)"},
         {"drawing_port -1", "drawing_port: '-1' is not a port (1-65535)"},
         {"unum 12", "unum: '12' is not a player number (0-11)"},
+        {"type 5", "type: '5' is not a robot type (0-4)"},
         {"cycles 99999999999999999999",
          "cycles: '99999999999999999999' is not a cycle count (0-100000000)"},
         {"team two words", "team: one value expected, found also 'words'"},

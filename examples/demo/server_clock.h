@@ -1,0 +1,33 @@
+#ifndef ORVO_DEMO_SERVER_CLOCK_H
+#define ORVO_DEMO_SERVER_CLOCK_H
+
+namespace demo {
+
+/// Counts the agent's perceptions by the server's clock. Each perception
+/// carries the server time, one cycle every 20 ms of simulated time, so a
+/// jump of more than one cycle between two perceptions shows the ones that
+/// never reached the agent. The wall clock says nothing here: a busy server
+/// runs slower than real time.
+class ServerClock {
+public:
+    static constexpr double cycle_seconds = 0.02;
+
+    /// Notes a perception stamped with server time `now`, in seconds.
+    void perceived(double now);
+
+    unsigned received() const { return count; }
+    /// Server cycles between the first and the last perception that sent none.
+    unsigned missed() const { return gaps; }
+    /// Server cycles from the first perception to the last, both included.
+    unsigned cycles() const { return count == 0 ? 0 : static_cast<unsigned>(last - first + 1); }
+
+private:
+    long long first = 0;
+    long long last = 0;
+    unsigned count = 0;
+    unsigned gaps = 0;
+};
+
+} // namespace demo
+
+#endif
