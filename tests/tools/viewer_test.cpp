@@ -3,6 +3,7 @@
 
 #include "drawing_store.h"
 #include "drawing_wire.h"
+#include "field_svg.h"
 
 #include <examples/child_process.h>
 #include <support/loopback.h>
@@ -213,6 +214,36 @@ TEST_F(Viewer, PushesAtMostTwentyFiveTimesASecond) {
     EXPECT_LE(pictures, 25 * seconds + 2) << pictures << " pictures in " << seconds << " s";
 }
 
+/// The stand-in server's live page: the same page, with the players it knows.
+class StandinPage : public Viewer {
+protected:
+    void SetUp() override {
+        process.emplace(std::vector<std::string>{STANDIN_SERVER, "--port", "0", "--drawing-port",
+                                                 "0", "--monitor-port", "0", "--http-port", "0",
+                                                 "--ports-file", "ports", "--start-timeout", "20"},
+                        dir.path.string(), "out.txt", "err.txt");
+        ASSERT_TRUE(orvo_test::wait_for_file("ports", 5s)) << process->error_text();
+        unsigned short tcp_port = 0, udp_port = 0;
+        std::ifstream("ports") >> tcp_port >> udp_port;
+        const std::string said = process->error_text();
+        const auto at = said.find("live page http://127.0.0.1:");
+        ASSERT_NE(at, std::string::npos) << said;
+        drawings = {asio::ip::address_v4::loopback(), udp_port};
+        http = {asio::ip::address_v4::loopback(),
+                static_cast<unsigned short>(std::stoi(said.substr(at + 27)))};
+        udp.open(asio::ip::udp::v4());
+    }
+};
+
+TEST_F(StandinPage, ShowsTheCycleAndTheDrawingsLive) {
+    open_live();
+    send(opening(0x82));
+    send(bytes_of(Kind::polygon, 0x82, "cell", {{-5, 5}, {-1, 5}, {-1, -5}}));
+    const std::string picture =
+        picture_with({"class=\"cell\" data-side=\"right\" data-unum=\"2\""});
+    EXPECT_NE(picture.find(", simulation time "), std::string::npos);
+}
+
 TEST(DrawingStore, KeepsABatchBounded) {
     field_view::DrawingStore store;
     const std::string shape = bytes_of(Kind::point, 0x01, "me", {{0, 0}});
@@ -224,6 +255,31 @@ TEST(DrawingStore, KeepsABatchBounded) {
     EXPECT_EQ(store.counts().malformed, 10u);
     store.add(reinterpret_cast<const unsigned char*>("\x03\x00\x01"), 3);
     EXPECT_TRUE(store.drawings().at(0x01).empty());
+}
+
+TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
+    orvo_test::ScratchDir dir;
+    field_view::FieldPicture picture;
+    picture.players = {{1, 0, -5, 0}, {1, 1, 5, 0}};
+    demo::wire::Shape cell;
+    cell.kind = Kind::polygon;
+    cell.name = "cell<&>";
+    cell.corners = {{-15, 10}, {0, 10}, {0, -10}};
+    cell.header = 0x01;
+    picture.drawings[0x01].push_back(cell);
+    cell.header = 0x81;
+    picture.drawings[0x81].push_back(cell);
+    ASSERT_TRUE(field_view::write_field_svg("field.svg", picture));
+
+    const std::string svg = orvo_test::ChildProcess::read("field.svg");
+    EXPECT_EQ(orvo_test::count_of(svg, "class=\"cell\""), 2u);
+    EXPECT_NE(svg.find("data-name=\"cell&lt;&amp;&gt;\""), std::string::npos);
+    // (-15, 10) of the left team is the top-left corner; mirrored, the bottom-right.
+    EXPECT_NE(svg.find("points=\"45.0,45.0 "), std::string::npos);
+    EXPECT_NE(svg.find("points=\"945.0,645.0 "), std::string::npos);
+    EXPECT_EQ(svg.find("<?xml"), 0u);
+    EXPECT_NE(svg.find("</svg>"), std::string::npos);
+    EXPECT_FALSE(field_view::write_field_svg("missing-dir/field.svg", picture));
 }
 
 } // namespace
