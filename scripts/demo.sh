@@ -48,6 +48,7 @@ sync=()
 slowdown=1
 external=
 live=no
+drawing_host=
 monitor_port=3200
 build=yes
 build_dir=$root/build/release
@@ -177,33 +178,27 @@ mkdir -p "$run"
 if [ -n "$external" ]; then
   server_host=${external%:*}
   tcp_port=${external##*:}
-  udp_port=
   gap=0.1
   echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the server" \
     "at $external"
-  # The agents send their drawings to the server's host, at the drawing port
-  # of their settings; the viewer listens there when that host is this one.
-  drawing_port=$(sed -n 's/^drawing_port //p' examples/demo/config/server.cfg)
-  if [[ $server_host =~ ^(localhost|127\.[0-9.]+|$(hostname))$ ]]; then
-    "$viewer" --drawing-port "$drawing_port" --http-port 0 --ports-file "$run/viewer-ports" \
-      --svg "$run/field.svg" > "$run/viewer.txt" 2>&1 &
-    viewer_pid=$!
-    pids+=("$viewer_pid")
-    for _ in $(seq 100); do
-      [ -s "$run/viewer-ports" ] && break
-      sleep 0.05
-    done
-    if [ -s "$run/viewer-ports" ]; then
-      read -r _ http_port < "$run/viewer-ports"
-      echo "== the agents' drawings live: http://127.0.0.1:$http_port/ (until the game ends)"
-    else
-      echo "demo.sh: the drawing viewer did not start:" >&2
-      cat "$run/viewer.txt" >&2
-    fi
-  else
-    echo "== the agents send their drawings to $server_host:$drawing_port; to see them, run" \
-      "orvo_viewer --drawing-port $drawing_port there"
+  # A real server takes no drawings: the agents send theirs to the drawing
+  # viewer on this machine instead, at a port it picked.
+  "$viewer" --drawing-port 0 --http-port 0 --ports-file "$run/viewer-ports" \
+    --svg "$run/field.svg" > "$run/viewer.txt" 2>&1 &
+  viewer_pid=$!
+  pids+=("$viewer_pid")
+  for _ in $(seq 100); do
+    [ -s "$run/viewer-ports" ] && break
+    sleep 0.05
+  done
+  if [ ! -s "$run/viewer-ports" ]; then
+    echo "demo.sh: the drawing viewer did not start:" >&2
+    cat "$run/viewer.txt" >&2
+    exit 1
   fi
+  read -r udp_port http_port < "$run/viewer-ports"
+  drawing_host=127.0.0.1
+  echo "== the agents' drawings live: http://127.0.0.1:$http_port/ (until the game ends)"
 else
   # Free ports are chosen by the server, so that the demo never collides with
   # a real server on 3100. Agents bound their own game; the stand-in stops
@@ -260,8 +255,8 @@ for ((t = 0; t < teams; t++)); do
       -e "s/^team .*/team $team/" -e "s/^type .*/type $type/" \
       -e "s/^cycles .*/cycles $cycles/" -e "s/^wait .*/wait $((10 * slowdown))/" \
       "$dir/config/server.cfg"
-    [ -z "$udp_port" ] || sed -i "s/^drawing_port .*/drawing_port $udp_port/" \
-      "$dir/config/server.cfg"
+    sed -i "s/^drawing_port .*/drawing_port $udp_port/" "$dir/config/server.cfg"
+    [ -z "$drawing_host" ] || echo "drawing_host $drawing_host" >> "$dir/config/server.cfg"
     (cd "$dir" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
       exec ./demo > output.txt 2>&1) &
     agent_pids+=($!)

@@ -18,17 +18,21 @@ demo::Settings read(const std::string& text) {
     return settings;
 }
 
-std::tuple<std::string, unsigned, unsigned, std::string, unsigned, unsigned, unsigned, unsigned>
+std::tuple<std::string, unsigned, unsigned, std::string, unsigned, unsigned, unsigned, unsigned,
+           std::string>
 fields(const demo::Settings& s) {
-    return {s.host, s.port, s.drawing_port, s.team, s.unum, s.type, s.cycles, s.wait};
+    return {s.host, s.port,   s.drawing_port, s.team,        s.unum,
+            s.type, s.cycles, s.wait,         s.drawing_host};
 }
 
 TEST(Settings, DefaultsPointAtTheLocalServerAndEveryKeyIsRead) {
     EXPECT_EQ(fields(read("# nothing but a comment\n\n   \n")),
-              fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 0, 10}));
-    EXPECT_EQ(fields(read("host 10.0.0.7\nport 3200 # trailing comment\n\tdrawing_port 32769\n"
-                          "team blue-2\nunum 11\ntype 4\ncycles 250\nwait 3\n")),
-              fields(demo::Settings{"10.0.0.7", 3200, 32769, "blue-2", 11, 4, 250, 3}));
+              fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 0, 10, ""}));
+    EXPECT_EQ(
+        fields(read("host 10.0.0.7\nport 3200 # trailing comment\n\tdrawing_port 32769\n"
+                    "team blue-2\nunum 11\ntype 4\ncycles 250\nwait 3\n"
+                    "drawing_host 127.0.0.1\n")),
+        fields(demo::Settings{"10.0.0.7", 3200, 32769, "blue-2", 11, 4, 250, 3, "127.0.0.1"}));
 }
 
 TEST(Settings, MalformedValuesNameFileLineAndValue) {
