@@ -22,6 +22,8 @@ install(FILES
   ${PROJECT_SOURCE_DIR}/cmake/OrvoPlugin.cmake
   DESTINATION ${ORVO_CMAKE_DIR})
 
+# Relative to the .pc file, so that the package works wherever it is unpacked.
+file(RELATIVE_PATH ORVO_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvo.pc.in ${PROJECT_BINARY_DIR}/orvo.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orvo.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

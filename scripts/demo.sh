@@ -6,7 +6,7 @@
 # server's summary and the SVG picture of the field.
 #
 #   scripts/demo.sh [--agents N] [--teams N] [--cycles N] [--types LIST] [--sync]
-#                   [--slowdown F] [--server HOST:PORT] [--monitor-port N]
+#                   [--slowdown F] [--server HOST:PORT] [--monitor-port N] [--live]
 #                   [--no-build] [--build-dir DIR] [--run-dir DIR]
 #
 #   --agents N        agent processes per team (default 11, at most 11)
@@ -20,8 +20,12 @@
 #                     instead of in real time; used to measure the agents
 #   --slowdown F      the stand-in's cycles take F times 20 ms (default 1)
 #   --server HOST:PORT  play an external server (a real one) instead of the
-#                     stand-in; the kick-off goes to its monitor port
+#                     stand-in; the kick-off goes to its monitor port, and the
+#                     drawing viewer (orvo_viewer) shows the agents' drawings
+#                     on a live page
 #   --monitor-port N  the external server's monitor port (default 3200)
+#   --live            show the game on the stand-in's live page while it runs
+#                     (its address is printed; it stays up until the game ends)
 #   --no-build        use the existing build
 #   --build-dir DIR   the build to use (default build/release)
 #   --run-dir DIR     where the agents run and write (default build/demo-run)
@@ -43,6 +47,8 @@ types=0,0,0,0,0,1,1,1,1,2,2
 sync=()
 slowdown=1
 external=
+live=no
+drawing_host=
 monitor_port=3200
 build=yes
 build_dir=$root/build/release
@@ -57,10 +63,11 @@ while [ $# -gt 0 ]; do
     --slowdown) slowdown=$2; shift 2 ;;
     --server) external=$2; shift 2 ;;
     --monitor-port) monitor_port=$2; shift 2 ;;
+    --live) live=yes; shift ;;
     --no-build) build=no; shift ;;
     --build-dir) build_dir=$(realpath -m "$2"); shift 2 ;;
     --run-dir) run=$(realpath -m "$2"); shift 2 ;;
-    -h|--help) sed -n '2,34p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h|--help) sed -n '2,38p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "demo.sh: unknown argument $1 (see --help)" >&2; exit 2 ;;
   esac
 done
@@ -84,13 +91,15 @@ fi
 if [ "$build" = yes ]; then
   scripts/install-deps.sh
   cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
-  cmake --build "$build_dir" -j "$(nproc)" --target orvo_host orvo_demo orvo_standin_server
+  cmake --build "$build_dir" -j "$(nproc)" --target orvo_host orvo_demo orvo_standin_server \
+    orvo_viewer
 fi
 host=$build_dir/examples/host/orvo_host
 server=$build_dir/tools/standin_server/orvo_standin_server
+viewer=$build_dir/tools/viewer/orvo_viewer
 plugins=$build_dir/examples/demo
 needed=("$host" "$plugins/libdemo.demo.so")
-[ -n "$external" ] || needed+=("$server")
+if [ -n "$external" ]; then needed+=("$viewer"); else needed+=("$server"); fi
 for file in "${needed[@]}"; do
   if [ ! -e "$file" ]; then
     echo "demo.sh: $file is missing; run without --no-build" >&2
@@ -100,6 +109,7 @@ done
 
 pids=()
 server_pid=
+viewer_pid=
 cleanup() {
   local pid
   for pid in "${pids[@]}"; do
@@ -168,15 +178,34 @@ mkdir -p "$run"
 if [ -n "$external" ]; then
   server_host=${external%:*}
   tcp_port=${external##*:}
-  udp_port=
   gap=0.1
   echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the server" \
     "at $external"
+  # A real server takes no drawings: the agents send theirs to the drawing
+  # viewer on this machine instead, at a port it picked.
+  "$viewer" --drawing-port 0 --http-port 0 --ports-file "$run/viewer-ports" \
+    --svg "$run/field.svg" > "$run/viewer.txt" 2>&1 &
+  viewer_pid=$!
+  pids+=("$viewer_pid")
+  for _ in $(seq 100); do
+    [ -s "$run/viewer-ports" ] && break
+    sleep 0.05
+  done
+  if [ ! -s "$run/viewer-ports" ]; then
+    echo "demo.sh: the drawing viewer did not start:" >&2
+    cat "$run/viewer.txt" >&2
+    exit 1
+  fi
+  read -r udp_port http_port < "$run/viewer-ports"
+  drawing_host=127.0.0.1
+  echo "== the agents' drawings live: http://127.0.0.1:$http_port/ (until the game ends)"
 else
   # Free ports are chosen by the server, so that the demo never collides with
   # a real server on 3100. Agents bound their own game; the stand-in stops
   # when the last has gone (or after a bound far beyond the game).
-  "$server" --port 0 --drawing-port 0 --monitor-port 0 --ports-file "$run/ports" \
+  live_page=()
+  [ "$live" = no ] || live_page=(--http-port 0)
+  "$server" --port 0 --drawing-port 0 --monitor-port 0 --ports-file "$run/ports" "${live_page[@]}" \
     --agents $((agents * teams)) --cycles $((cycles + 6000)) "${sync[@]}" \
     --slowdown "$slowdown" --start-timeout $((20 * slowdown)) --svg "$run/field.svg" \
     --log "$run/server-log.txt" > "$run/server-summary.txt" 2> "$run/server-messages.txt" &
@@ -196,6 +225,16 @@ else
   gap=$(awk -v f="$slowdown" 'BEGIN { printf "%.3f", 0.05 * f }')
   echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the" \
     "stand-in server on port $tcp_port"
+  if [ "$live" = yes ]; then
+    address=
+    for _ in $(seq 100); do
+      address=$(sed -n 's/^stand-in server: live page //p' "$run/server-messages.txt")
+      [ -z "$address" ] || break
+      sleep 0.02
+    done
+    echo "== the game live: ${address:-(no address: see $run/server-messages.txt)}" \
+      "(until the game ends)"
+  fi
 fi
 port_hex=$(printf '%04X' "$tcp_port")
 
@@ -216,8 +255,8 @@ for ((t = 0; t < teams; t++)); do
       -e "s/^team .*/team $team/" -e "s/^type .*/type $type/" \
       -e "s/^cycles .*/cycles $cycles/" -e "s/^wait .*/wait $((10 * slowdown))/" \
       "$dir/config/server.cfg"
-    [ -z "$udp_port" ] || sed -i "s/^drawing_port .*/drawing_port $udp_port/" \
-      "$dir/config/server.cfg"
+    sed -i "s/^drawing_port .*/drawing_port $udp_port/" "$dir/config/server.cfg"
+    [ -z "$drawing_host" ] || echo "drawing_host $drawing_host" >> "$dir/config/server.cfg"
     (cd "$dir" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
       exec ./demo > output.txt 2>&1) &
     agent_pids+=($!)
@@ -256,6 +295,10 @@ if [ -n "$server_pid" ]; then
     failed=1
   fi
 fi
+if [ -n "$viewer_pid" ]; then
+  kill -TERM "$viewer_pid"
+  wait_for "$viewer_pid" 5 || echo "demo.sh: the drawing viewer did not stop cleanly" >&2
+fi
 pids=()
 
 echo
@@ -280,7 +323,11 @@ if [ -z "$external" ]; then
   echo
   echo "== the stand-in server's summary"
   cat "$run/server-summary.txt"
-  echo
-  echo "== picture of the field: $run/field.svg"
 fi
+if [ -n "$viewer_pid" ]; then
+  echo
+  echo "== the drawing viewer"
+  grep -v "^orvo_viewer:" "$run/viewer.txt" || true
+fi
+[ ! -e "$run/field.svg" ] || { echo; echo "== picture of the field: $run/field.svg"; }
 exit $failed

@@ -3,7 +3,7 @@
 # build, then one with AddressSanitizer and UndefinedBehaviorSanitizer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh --test
 
 jobs=$(nproc)
 build() { # <dir> <cmake args...>

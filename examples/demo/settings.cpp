@@ -75,6 +75,8 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
             settings.host = value;
         } else if (key == "port") {
             settings.port = number(file, line, key, value, 1, 65535, "a port");
+        } else if (key == "drawing_host") {
+            settings.drawing_host = value;
         } else if (key == "drawing_port") {
             settings.drawing_port = number(file, line, key, value, 1, 65535, "a port");
         } else if (key == "team") {

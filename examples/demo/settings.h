@@ -11,7 +11,7 @@ struct Settings {
     std::string host = "localhost"; ///< the simulation server
     unsigned int port = 3100;
     /// The third server value; the demo also sends its debug drawings to this
-    /// UDP port of the server's host.
+    /// UDP port of the server's host (or of drawing_host).
     unsigned int drawing_port = 15096;
     std::string team = "orvo";
     unsigned int unum = 0; ///< 0 lets the server choose the player number
@@ -19,6 +19,9 @@ struct Settings {
     unsigned int cycles =
         0;                  ///< server cycles to play from the kick-off; 0: until the server closes
     unsigned int wait = 10; ///< seconds to wait for a server message before giving up
+    /// Where the debug drawings go when not to the server's host, e.g. to a
+    /// viewer on the agents' own machine; empty: the server's host.
+    std::string drawing_host;
     /// Directory of ready.motion, wave.motion and head_scan.motion; empty:
     /// the motions that come with the library.
     std::string motions;

@@ -30,8 +30,9 @@ void WorldModel::init() {
     own_cell.set_corners(own_half());
     debug = std::make_unique<orvo::DebugDrawings>();
     const Settings& settings = configuration->settings;
+    const std::string& to = settings.drawing_host.empty() ? settings.host : settings.drawing_host;
     // Port 0: any local port, so that every agent of a team has its own.
-    debug->init(settings.host.c_str(), static_cast<int>(settings.drawing_port), 0);
+    debug->init(to.c_str(), static_cast<int>(settings.drawing_port), 0);
 }
 
 void WorldModel::update(const orvo::perception::Perception& perception) {

@@ -73,6 +73,13 @@ public:
         return status_code;
     }
 
+    /// Sends `number` to the child while it runs.
+    void signal(int number) const {
+        if (!reaped && pid > 0) {
+            kill(pid, number);
+        }
+    }
+
     std::string output_text() const { return read(output); }
     std::string error_text() const { return read(error); }
 

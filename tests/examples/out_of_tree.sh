@@ -1,17 +1,21 @@
 #!/usr/bin/env bash
-# A team's view of the installed package: install orvo, build the demo
-# plug-ins on their own with find_package(orvo) + orvo_add_plugin, and play a
-# short game with the installed host program and stand-in server.
-#   out_of_tree.sh <orvo build dir> <demo source dir> <work dir>
+# A team's view of the installed package: install orvo (or take an installed
+# one), build the demo plug-ins on their own with find_package(orvo) +
+# orvo_add_plugin, and play a short game with the installed host program and
+# stand-in server.
+#   out_of_tree.sh <orvo build dir | installed prefix> <demo source dir> <work dir>
 set -euo pipefail
 build=$1
 demo=$2
 work=$3
 rm -rf "$work"
 mkdir -p "$work"
-prefix=$work/prefix
-
-cmake --install "$build" --prefix "$prefix" > /dev/null
+if [ -d "$build/lib/cmake/orvo" ]; then
+  prefix=$build
+else
+  prefix=$work/prefix
+  cmake --install "$build" --prefix "$prefix" > /dev/null
+fi
 cmake -S "$demo" -B "$work/build" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
 cmake --build "$work/build" > /dev/null

@@ -1,9 +1,5 @@
 #include "commands.h"
 #include "drawing_wire.h"
-#include "field_svg.h"
-
-#include <examples/child_process.h>
-#include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
 
@@ -89,31 +85,6 @@ TEST(StandinCommands, MessagesSplitIntoTopLevelExpressions) {
     EXPECT_EQ(broken[0].name, "syn");
     EXPECT_EQ(broken[1].name, "");
     EXPECT_TRUE(standin::split_commands("no parentheses").empty());
-}
-
-TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
-    orvo_test::ScratchDir dir;
-    standin::FieldPicture picture;
-    picture.players = {{1, 0, -5, 0}, {1, 1, 5, 0}};
-    demo::wire::Shape cell;
-    cell.kind = Kind::polygon;
-    cell.name = "cell<&>";
-    cell.corners = {{-15, 10}, {0, 10}, {0, -10}};
-    cell.header = 0x01;
-    picture.drawings[0x01].push_back(cell);
-    cell.header = 0x81;
-    picture.drawings[0x81].push_back(cell);
-    ASSERT_TRUE(standin::write_field_svg("field.svg", picture));
-
-    const std::string svg = orvo_test::ChildProcess::read("field.svg");
-    EXPECT_EQ(orvo_test::count_of(svg, "class=\"cell\""), 2u);
-    EXPECT_NE(svg.find("data-name=\"cell&lt;&amp;&gt;\""), std::string::npos);
-    // (-15, 10) of the left team is the top-left corner; mirrored, the bottom-right.
-    EXPECT_NE(svg.find("points=\"45.0,45.0 "), std::string::npos);
-    EXPECT_NE(svg.find("points=\"945.0,645.0 "), std::string::npos);
-    EXPECT_EQ(svg.find("<?xml"), 0u);
-    EXPECT_NE(svg.find("</svg>"), std::string::npos);
-    EXPECT_FALSE(standin::write_field_svg("missing-dir/field.svg", picture));
 }
 
 } // namespace

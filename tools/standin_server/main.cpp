@@ -61,6 +61,8 @@ options:
   --svg-every N       also write FILE-<cycle>.svg every N cycles
   --log FILE          every received message: connection, unum, cycle, text
   --ports-file FILE   write "TCP-PORT UDP-PORT MONITOR-PORT" there once listening
+  --http-port N       serve the field and the drawings live on a page at
+                      http://127.0.0.1:N/ while the run lasts (0: a free one)
   --help              this text
 )usage";
 
@@ -138,6 +140,9 @@ int main(int argc, char** argv) {
                 options.log_path = value;
             } else if (option == "--ports-file") {
                 options.ports_file = value;
+            } else if (option == "--http-port") {
+                options.live = true;
+                options.http_port = to_unsigned(option, value, 65535);
             } else {
                 throw std::invalid_argument("unknown option " + option);
             }
@@ -153,6 +158,10 @@ int main(int argc, char** argv) {
         std::cerr << "stand-in server: agents on 127.0.0.1:" << server.tcp_port()
                   << ", drawings on udp 127.0.0.1:" << server.udp_port()
                   << ", monitor on 127.0.0.1:" << server.monitor_port() << std::endl;
+        if (server.http_port() != 0) {
+            std::cerr << "stand-in server: live page http://127.0.0.1:" << server.http_port() << '/'
+                      << std::endl;
+        }
         std::signal(SIGPIPE, SIG_IGN);
         const int status = server.run(std::cerr);
         server.print_summary(std::cout);

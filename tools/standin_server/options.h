@@ -22,6 +22,8 @@ struct Options {
     std::string svg_path = "field.svg";
     unsigned svg_every = 0; ///< also write a picture every that many cycles
     std::string ports_file; ///< "TCP UDP MONITOR" is written here once listening
+    bool live = false;      ///< serve the live page of the field
+    unsigned http_port = 0; ///< the live page's port on 127.0.0.1 (0: any free one)
 };
 
 } // namespace standin

@@ -1,7 +1,5 @@
 #include "perception.h"
 
-#include "field_svg.h"
-
 #include <cmath>
 #include <cstdio>
 

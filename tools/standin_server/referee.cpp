@@ -156,8 +156,9 @@ void Referee::beam(Agent& agent, std::string_view command, unsigned cycle) {
     }
     // The team's own frame has its goal at negative x; a beam stays in the own half.
     const double x = (*values)[0], y = (*values)[1], rotation = (*values)[2];
-    const auto own_x = static_cast<float>(std::clamp(x, -field_length / 2.0, 0.0));
-    const auto own_y = static_cast<float>(std::clamp(y, -field_width / 2.0, field_width / 2.0));
+    const auto own_x = static_cast<float>(std::clamp(x, -field_view::field_length / 2.0, 0.0));
+    const auto own_y = static_cast<float>(
+        std::clamp(y, -field_view::field_width / 2.0, field_view::field_width / 2.0));
     const float mirror = agent.side == 0 ? 1.0f : -1.0f;
     // Adding zero keeps a mirrored 0 from printing as -0.00.
     agent.x = mirror * own_x + 0.0f;

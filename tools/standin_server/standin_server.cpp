@@ -42,6 +42,15 @@ void StandinServer::open() {
     listener = open_loopback(SOCK_STREAM, ports[0]);
     drawing_socket = open_loopback(SOCK_DGRAM, ports[1]);
     monitor_listener = open_loopback(SOCK_STREAM, ports[2]);
+    if (options.live) {
+        try {
+            live = std::make_unique<field_view::PageThread>(
+                static_cast<unsigned short>(options.http_port));
+        } catch (const std::exception& error) {
+            throw std::runtime_error("live page on port " + std::to_string(options.http_port) +
+                                     ": " + error.what());
+        }
+    }
     if (!options.log_path.empty()) {
         log.open(options.log_path, std::ios::trunc);
         if (!log) {
@@ -79,6 +88,10 @@ int StandinServer::run(std::ostream& messages) {
             next_cycle = Clock::now(); // the real-time pace resumes from here
         } else {
             service(next_cycle, false);
+        }
+        if (live) {
+            read_drawings();
+            live->show(picture());
         }
         if (options.svg_every != 0 && cycle % options.svg_every == 0) {
             read_drawings();
@@ -278,37 +291,29 @@ void StandinServer::accept_connections(int from) {
         Agent& agent = *agents.back();
         // Until beamed, a robot waits at the touch line.
         agent.x = -14.0f + static_cast<float>(agent.number);
-        agent.y = -field_width / 2 - 0.5f;
+        agent.y = -field_view::field_width / 2 - 0.5f;
     }
 }
 
 void StandinServer::read_drawings() {
-    unsigned char buffer[2048];
     for (;;) {
-        const ssize_t n = recv(drawing_socket, buffer, sizeof buffer, 0);
+        // The buffer holds any datagram whole, so an oversize one is seen as such.
+        const ssize_t n = recv(drawing_socket, datagram.data(), datagram.size(), 0);
         if (n < 0) {
             return;
         }
-        const auto size = static_cast<std::size_t>(n);
-        if (demo::wire::is_opening(buffer, size)) {
-            // A new batch replaces the sender's previous drawings.
-            drawings[buffer[2]].clear();
+        if (drawings.add(datagram.data(), static_cast<std::size_t>(n)) !=
+            field_view::DrawingStore::Outcome::shape) {
             continue;
         }
-        demo::wire::Shape shape;
-        if (!demo::wire::decode(buffer, size, shape)) {
-            ++malformed_drawings;
-            continue;
-        }
-        const int side = shape.header >> 7;
-        const int unum = shape.header & 0x7F;
+        const int side = datagram[1] >> 7;
+        const int unum = datagram[1] & 0x7F;
         for (auto& agent : agents) {
             if (agent->joined() && agent->side == side && agent->unum == unum) {
                 ++agent->drawings;
                 break;
             }
         }
-        drawings[shape.header].push_back(std::move(shape));
     }
 }
 
@@ -322,21 +327,25 @@ unsigned StandinServer::open_agents() const {
                                                [](const auto& a) { return !a->link.closed(); }));
 }
 
-FieldPicture StandinServer::picture() const {
-    FieldPicture result;
-    result.cycle = static_cast<int>(cycle);
-    result.time = cycle * cycle_seconds;
+field_view::FieldPicture StandinServer::picture() const {
+    field_view::FieldPicture result;
+    result.title = "stand-in server, cycle " + std::to_string(cycle);
+    char caption[64];
+    std::snprintf(caption, sizeof caption, "cycle %u, simulation time %.1f s", cycle,
+                  cycle * cycle_seconds);
+    result.caption = caption;
     for (const auto& agent : agents) {
         if (agent->joined()) {
-            result.players.push_back(PlayerMark{agent->unum, agent->side, agent->x, agent->y});
+            result.players.push_back(
+                field_view::PlayerMark{agent->unum, agent->side, agent->x, agent->y});
         }
     }
-    result.drawings = drawings;
+    result.drawings = drawings.drawings();
     return result;
 }
 
 void StandinServer::write_picture(const std::string& path) {
-    if (!path.empty() && !write_field_svg(path, picture())) {
+    if (!path.empty() && !field_view::write_field_svg(path, picture())) {
         throw std::runtime_error("cannot write the picture " + path);
     }
 }

@@ -2,9 +2,10 @@
 #define ORVO_STANDIN_STANDIN_SERVER_H
 
 #include "agent.h"
-#include "drawing_wire.h"
+#include "drawing_store.h"
 #include "field_svg.h"
 #include "options.h"
+#include "page_thread.h"
 #include "referee.h"
 
 #include <cstdint>
@@ -23,7 +24,8 @@ namespace standin {
 /// one's rules: it speaks the agents' framed s-expression protocol on
 /// loopback, runs its clock from start-up, lets agents join and beam as a
 /// real server does, moves every joint, takes the kick-off from its monitor
-/// port, collects the agents' debug drawings over UDP and draws the field as SVG.
+/// port, collects the agents' debug drawings over UDP and draws the field as SVG
+/// (and, when asked, on a live page).
 class StandinServer {
 public:
     explicit StandinServer(Options options);
@@ -36,6 +38,8 @@ public:
     unsigned tcp_port() const { return ports[0]; }
     unsigned udp_port() const { return ports[1]; }
     unsigned monitor_port() const { return ports[2]; }
+    /// The live page's port; 0 without one.
+    unsigned http_port() const { return live ? live->port() : 0; }
 
     /// Runs the cycles, writes the picture; progress and problems go to
     /// `messages`. Returns the process exit status.
@@ -56,7 +60,7 @@ private:
     bool all_answered() const;
     unsigned open_agents() const;
     bool stepping_on_answers(Clock::time_point start_deadline) const;
-    FieldPicture picture() const;
+    field_view::FieldPicture picture() const;
     void write_picture(const std::string& path);
 
     Options options;
@@ -68,8 +72,9 @@ private:
     std::vector<std::unique_ptr<Link>> monitors;
     Referee referee;
     int kickoff_side = -1; ///< a monitor's kick-off, for the next cycle
-    std::map<std::uint8_t, std::vector<demo::wire::Shape>> drawings;
-    unsigned malformed_drawings = 0;
+    field_view::DrawingStore drawings;
+    std::vector<unsigned char> datagram = std::vector<unsigned char>(1 << 16);
+    std::unique_ptr<field_view::PageThread> live;
     unsigned cycle = 0;
     std::mt19937 random{20260622};
     std::ofstream log;

@@ -84,8 +84,8 @@ void StandinServer::print_summary(std::ostream& out) const {
                       all.front(), all[all.size() / 2], all.back(), all.size());
         out << line;
     }
-    if (malformed_drawings != 0) {
-        out << "malformed drawing datagrams: " << malformed_drawings << '\n';
+    if (drawings.counts().malformed != 0) {
+        out << "malformed drawing datagrams: " << drawings.counts().malformed << '\n';
     }
     out << "picture: " << options.svg_path << '\n';
 }

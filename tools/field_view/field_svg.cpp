@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-namespace standin {
+namespace field_view {
 
 namespace {
 
@@ -106,16 +106,15 @@ void write_shape(std::ostream& out, const demo::wire::Shape& shape, int side) {
 
 } // namespace
 
-bool write_field_svg(const std::string& path, const FieldPicture& picture) {
+std::string field_svg(const FieldPicture& picture) {
     std::ostringstream out;
     out.setf(std::ios::fixed);
     out.precision(1);
     const float width = (field_length + 2 * margin) * scale;
     const float height = (field_width + 2 * margin) * scale;
-    out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
     out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\"" << height
         << "\" viewBox=\"0 0 " << width << ' ' << height << "\">\n";
-    out << "<title>stand-in server, cycle " << picture.cycle << "</title>\n";
+    out << "<title>" << escaped(picture.title) << "</title>\n";
     write_field(out);
     // Cells first, so that lines, points and players stay visible on top.
     for (const demo::wire::Kind layer :
@@ -139,13 +138,16 @@ bool write_field_svg(const std::string& path, const FieldPicture& picture) {
             << player.unum << "</text></g>\n";
     }
     out << "<text x=\"8\" y=\"18\" font-family=\"sans-serif\" font-size=\"14\" fill=\"#ffffff\">"
-        << "cycle " << picture.cycle << ", simulation time " << picture.time << " s</text>\n";
+        << escaped(picture.caption) << "</text>\n";
     out << "</svg>\n";
+    return out.str();
+}
 
+bool write_field_svg(const std::string& path, const FieldPicture& picture) {
     const std::string temporary = path + ".tmp";
     {
         std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
-        file << out.str();
+        file << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" << field_svg(picture);
         if (!file.flush()) {
             std::remove(temporary.c_str());
             return false;
@@ -154,4 +156,4 @@ bool write_field_svg(const std::string& path, const FieldPicture& picture) {
     return std::rename(temporary.c_str(), path.c_str()) == 0;
 }
 
-} // namespace standin
+} // namespace field_view

@@ -1,0 +1,285 @@
+// The drawing viewer as a user sees it: a real process on loopback, drawing
+// datagrams in, a real HTTP and WebSocket client out.
+
+#include "drawing_store.h"
+#include "drawing_wire.h"
+#include "field_svg.h"
+
+#include <examples/child_process.h>
+#include <support/loopback.h>
+#include <support/scratch_dir.h>
+
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/ip/udp.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/use_future.hpp>
+#include <boost/beast/core.hpp>
+#include <boost/beast/http.hpp>
+#include <boost/beast/websocket.hpp>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <future>
+#include <optional>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = boost::beast::http;
+namespace websocket = boost::beast::websocket;
+using demo::wire::Kind;
+using orvo_test::count_of;
+
+std::string bytes_of(Kind kind, std::uint8_t header, const char* name,
+                     std::vector<demo::wire::Corner> corners) {
+    unsigned char buffer[demo::wire::max_shape_size];
+    const auto size = demo::wire::encode(kind, header, name, {200, 40, 40}, corners.data(),
+                                         corners.size(), buffer);
+    return std::string(reinterpret_cast<const char*>(buffer), size);
+}
+
+std::string opening(std::uint8_t header) {
+    return std::string{0x03, 0x00, static_cast<char>(header)};
+}
+
+/// A viewer process on free ports, and the client side of both of them. The
+/// clients' operations run on a thread of their own.
+class Viewer : public ::testing::Test {
+protected:
+    void SetUp() override {
+        process.emplace(std::vector<std::string>{VIEWER, "--drawing-port", "0", "--http-port", "0",
+                                                 "--ports-file", "ports", "--svg", "final.svg"},
+                        dir.path.string(), "out.txt", "err.txt");
+        ASSERT_TRUE(orvo_test::wait_for_file("ports", 5s)) << process->error_text();
+        unsigned short udp_port = 0, http_port = 0;
+        std::ifstream("ports") >> udp_port >> http_port;
+        drawings = {asio::ip::address_v4::loopback(), udp_port};
+        http = {asio::ip::address_v4::loopback(), http_port};
+        udp.open(asio::ip::udp::v4());
+    }
+    void TearDown() override {
+        io.stop();
+        runner.join();
+    }
+
+    void send(const std::string& datagram) { udp.send_to(asio::buffer(datagram), drawings); }
+
+    /// The operation's result (an error is thrown here); every operation is
+    /// bounded by the streams' time limits.
+    template <class T> T finish(std::future<T> result) { return result.get(); }
+
+    http::response<http::string_body> get(const std::string& target) {
+        beast::tcp_stream stream(io);
+        stream.expires_after(5s);
+        finish(stream.async_connect(http, asio::use_future));
+        http::request<http::empty_body> request{http::verb::get, target, 11};
+        request.set(http::field::host, "127.0.0.1");
+        finish(http::async_write(stream, request, asio::use_future));
+        beast::flat_buffer buffer;
+        http::response<http::string_body> response;
+        finish(http::async_read(stream, buffer, response, asio::use_future));
+        return response;
+    }
+
+    void open_live() {
+        beast::get_lowest_layer(live).expires_after(5s);
+        finish(beast::get_lowest_layer(live).async_connect(http, asio::use_future));
+        beast::get_lowest_layer(live).expires_never();
+        live.set_option(websocket::stream_base::timeout{5s, 5s, false});
+        finish(live.async_handshake("127.0.0.1", "/live", asio::use_future));
+    }
+
+    std::string next_picture() {
+        beast::flat_buffer buffer;
+        finish(live.async_read(buffer, asio::use_future));
+        return beast::buffers_to_string(buffer.data());
+    }
+
+    /// The first picture that contains every text of `wanted`.
+    std::string picture_with(const std::vector<std::string>& wanted) {
+        for (;;) {
+            const std::string picture = next_picture();
+            if (std::all_of(wanted.begin(), wanted.end(), [&](const std::string& text) {
+                    return picture.find(text) != std::string::npos;
+                })) {
+                return picture;
+            }
+        }
+    }
+
+    orvo_test::ScratchDir dir;
+    std::optional<orvo_test::ChildProcess> process;
+    asio::io_context io;
+    std::optional<asio::executor_work_guard<asio::io_context::executor_type>> work{
+        io.get_executor()};
+    std::thread runner{[this] { io.run(); }};
+    asio::ip::udp::socket udp{io};
+    asio::ip::udp::endpoint drawings;
+    asio::ip::tcp::endpoint http;
+    websocket::stream<beast::tcp_stream> live{io};
+};
+
+TEST_F(Viewer, ServesASelfContainedPageAndTheSnapshot) {
+    const auto page = get("/");
+    EXPECT_EQ(page.result(), http::status::ok);
+    EXPECT_EQ(page[http::field::content_type], "text/html; charset=utf-8");
+    EXPECT_NE(page.body().find("<svg"), std::string::npos);
+    EXPECT_NE(page.body().find("new WebSocket("), std::string::npos);
+    // Offline: nothing the page would fetch, the SVG namespace name aside.
+    const std::regex fetched(R"((src|href)\s*=|url\(|@import|https?://(?!www\.w3\.org/2000/svg"))");
+    EXPECT_FALSE(std::regex_search(page.body(), fetched));
+
+    send(opening(0x07));
+    send(bytes_of(Kind::point, 0x07, "me", {{1, 2}}));
+    for (int tries = 0; tries < 100; ++tries) {
+        if (get("/field.svg").body().find("data-unum=\"7\"") != std::string::npos) {
+            break;
+        }
+        std::this_thread::sleep_for(10ms);
+    }
+    const auto snapshot = get("/field.svg");
+    EXPECT_EQ(snapshot[http::field::content_type], "image/svg+xml");
+    EXPECT_EQ(count_of(snapshot.body(), "class=\"point\" data-side=\"left\" data-unum=\"7\""), 1u);
+    EXPECT_EQ(get("/elsewhere").result(), http::status::not_found);
+}
+
+TEST_F(Viewer, PushesEachAgentsLatestBatchAndDropsMalformedDatagrams) {
+    open_live();
+    EXPECT_NE(next_picture().find("0 agents drawing"), std::string::npos);
+
+    // Left 3 and right 3 share a number but not a team; left 3's second batch
+    // replaces its first and leaves right 3 alone.
+    send(opening(0x03));
+    send(bytes_of(Kind::polygon, 0x03, "cell", {{-5, 5}, {-1, 5}, {-1, -5}}));
+    send(opening(0x83));
+    send(bytes_of(Kind::point, 0x83, "me", {{-2, 0}}));
+    send(opening(0x03));
+    send(bytes_of(Kind::line, 0x03, "to_centroid", {{-4, 0}, {-3, 1}}));
+    std::string picture = picture_with({"2 agents drawing, 6 datagrams"});
+    EXPECT_EQ(count_of(picture, "data-side=\"left\" data-unum=\"3\""), 1u);
+    EXPECT_NE(picture.find("class=\"line\" data-side=\"left\" data-unum=\"3\""), std::string::npos);
+    // Right 3 drew at -2 in its own frame: +2 on the field, 60 px right of the centre (525).
+    EXPECT_NE(picture.find("class=\"point\" data-side=\"right\" data-unum=\"3\" data-name=\"me\" "
+                           "cx=\"555.0\""),
+              std::string::npos);
+
+    const std::string good = bytes_of(Kind::point, 0x05, "me", {{0, 0}});
+    std::string unknown = good;
+    unknown[0] = 0x42;
+    std::string oversize = good + std::string(2000, '\x01');
+    std::string miscounted = good;
+    miscounted[3 + 2 + 3] = 2; // a point with two corners
+    for (const std::string& bad : {std::string("\x03"), std::string("\x03\x00", 2), unknown,
+                                   oversize, miscounted, good.substr(0, good.size() - 1)}) {
+        send(bad);
+    }
+    send(good);
+    picture_with({"data-unum=\"5\"", "6 malformed"});
+
+    process->signal(SIGTERM);
+    EXPECT_EQ(process->wait_for(5s), 0) << process->error_text();
+    EXPECT_NE(process->output_text().find("13 received, 3 batches, 4 shapes, 6 malformed"),
+              std::string::npos)
+        << process->output_text();
+    EXPECT_NE(orvo_test::ChildProcess::read("final.svg").find("data-unum=\"5\""),
+              std::string::npos);
+}
+
+TEST_F(Viewer, PushesAtMostTwentyFiveTimesASecond) {
+    open_live();
+    next_picture();
+    const auto start = std::chrono::steady_clock::now();
+    int pictures = 0;
+    // Far more batches than pictures: 400 in about a second.
+    for (int batch = 0; batch < 400; ++batch) {
+        send(opening(0x01));
+        send(bytes_of(Kind::point, 0x01, "me", {{batch * 0.01f, 0}}));
+        std::this_thread::sleep_for(2500us);
+    }
+    do {
+        ++pictures;
+    } while (next_picture().find("800 datagrams") == std::string::npos);
+    const double seconds =
+        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    EXPECT_LE(pictures, 25 * seconds + 2) << pictures << " pictures in " << seconds << " s";
+}
+
+/// The stand-in server's live page: the same page, with the players it knows.
+class StandinPage : public Viewer {
+protected:
+    void SetUp() override {
+        process.emplace(std::vector<std::string>{STANDIN_SERVER, "--port", "0", "--drawing-port",
+                                                 "0", "--monitor-port", "0", "--http-port", "0",
+                                                 "--ports-file", "ports", "--start-timeout", "20"},
+                        dir.path.string(), "out.txt", "err.txt");
+        ASSERT_TRUE(orvo_test::wait_for_file("ports", 5s)) << process->error_text();
+        unsigned short tcp_port = 0, udp_port = 0;
+        std::ifstream("ports") >> tcp_port >> udp_port;
+        const std::string said = process->error_text();
+        const auto at = said.find("live page http://127.0.0.1:");
+        ASSERT_NE(at, std::string::npos) << said;
+        drawings = {asio::ip::address_v4::loopback(), udp_port};
+        http = {asio::ip::address_v4::loopback(),
+                static_cast<unsigned short>(std::stoi(said.substr(at + 27)))};
+        udp.open(asio::ip::udp::v4());
+    }
+};
+
+TEST_F(StandinPage, ShowsTheCycleAndTheDrawingsLive) {
+    open_live();
+    send(opening(0x82));
+    send(bytes_of(Kind::polygon, 0x82, "cell", {{-5, 5}, {-1, 5}, {-1, -5}}));
+    const std::string picture =
+        picture_with({"class=\"cell\" data-side=\"right\" data-unum=\"2\""});
+    EXPECT_NE(picture.find(", simulation time "), std::string::npos);
+}
+
+TEST(DrawingStore, KeepsABatchBounded) {
+    field_view::DrawingStore store;
+    const std::string shape = bytes_of(Kind::point, 0x01, "me", {{0, 0}});
+    const auto* data = reinterpret_cast<const unsigned char*>(shape.data());
+    for (std::size_t i = 0; i < field_view::DrawingStore::max_batch + 10; ++i) {
+        store.add(data, shape.size());
+    }
+    EXPECT_EQ(store.drawings().at(0x01).size(), field_view::DrawingStore::max_batch);
+    EXPECT_EQ(store.counts().malformed, 10u);
+    store.add(reinterpret_cast<const unsigned char*>("\x03\x00\x01"), 3);
+    EXPECT_TRUE(store.drawings().at(0x01).empty());
+}
+
+TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
+    orvo_test::ScratchDir dir;
+    field_view::FieldPicture picture;
+    picture.players = {{1, 0, -5, 0}, {1, 1, 5, 0}};
+    demo::wire::Shape cell;
+    cell.kind = Kind::polygon;
+    cell.name = "cell<&>";
+    cell.corners = {{-15, 10}, {0, 10}, {0, -10}};
+    cell.header = 0x01;
+    picture.drawings[0x01].push_back(cell);
+    cell.header = 0x81;
+    picture.drawings[0x81].push_back(cell);
+    ASSERT_TRUE(field_view::write_field_svg("field.svg", picture));
+
+    const std::string svg = orvo_test::ChildProcess::read("field.svg");
+    EXPECT_EQ(orvo_test::count_of(svg, "class=\"cell\""), 2u);
+    EXPECT_NE(svg.find("data-name=\"cell&lt;&amp;&gt;\""), std::string::npos);
+    // (-15, 10) of the left team is the top-left corner; mirrored, the bottom-right.
+    EXPECT_NE(svg.find("points=\"45.0,45.0 "), std::string::npos);
+    EXPECT_NE(svg.find("points=\"945.0,645.0 "), std::string::npos);
+    EXPECT_EQ(svg.find("<?xml"), 0u);
+    EXPECT_NE(svg.find("</svg>"), std::string::npos);
+    EXPECT_FALSE(field_view::write_field_svg("missing-dir/field.svg", picture));
+}
+
+} // namespace

@@ -1,0 +1,212 @@
+// orvo_viewer: the agents' debug drawings, live in a browser. See --help.
+
+#include "drawing_listener.h"
+#include "drawing_store.h"
+#include "field_svg.h"
+#include "live_page.h"
+
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+const char* const usage = R"usage(usage: orvo_viewer [options]
+
+Shows the agents' debug drawings live: listens for their drawing datagrams on
+a UDP port (the drawing port of their configuration) and serves a page on
+127.0.0.1 with the field and every agent's latest drawings, updated as they
+arrive (at most 25 times a second). The page needs nothing but this program.
+Stops on SIGINT or SIGTERM and prints what it received; SIGUSR1 writes the
+--svg picture at once.
+
+options:
+  --drawing-port N   UDP port of the drawings (default 15096; 0 picks a free one)
+  --listen ADDRESS   address the UDP port is bound to (default 127.0.0.1; 0.0.0.0
+                     takes drawings from other machines too)
+  --http-port N      port of the page on 127.0.0.1 (default 15080; 0 picks a free one)
+  --svg FILE         write the picture there at the end (and on SIGUSR1)
+  --ports-file FILE  write "UDP-PORT HTTP-PORT" there once listening
+  --seconds S        stop by itself after S seconds
+  --help             this text
+)usage";
+
+struct Options {
+    std::string listen = "127.0.0.1";
+    unsigned drawing_port = 15096;
+    unsigned http_port = 15080;
+    std::string svg_path;
+    std::string ports_file;
+    double seconds = 0;
+};
+
+unsigned to_port(const std::string& option, const char* text) {
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long value = std::strtoul(text, &end, 10);
+    if (*text == '\0' || *end != '\0' || errno != 0 || value > 65535 || text[0] == '-') {
+        throw std::invalid_argument(option + ": not a port (0 to 65535): " + text);
+    }
+    return static_cast<unsigned>(value);
+}
+
+Options parse(int argc, char** argv) {
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string option = argv[i];
+        if (i + 1 >= argc || option.rfind("--", 0) != 0) {
+            throw std::invalid_argument(option.rfind("--", 0) != 0
+                                            ? "unexpected argument: " + option
+                                            : option + " needs a value");
+        }
+        const char* value = argv[++i];
+        if (option == "--drawing-port") {
+            options.drawing_port = to_port(option, value);
+        } else if (option == "--listen") {
+            options.listen = value;
+        } else if (option == "--http-port") {
+            options.http_port = to_port(option, value);
+        } else if (option == "--svg") {
+            options.svg_path = value;
+        } else if (option == "--ports-file") {
+            options.ports_file = value;
+        } else if (option == "--seconds") {
+            char* end = nullptr;
+            options.seconds = std::strtod(value, &end);
+            if (*value == '\0' || *end != '\0' || !(options.seconds > 0)) {
+                throw std::invalid_argument(option + ": not a number of seconds: " + value);
+            }
+        } else {
+            throw std::invalid_argument("unknown option: " + option);
+        }
+    }
+    return options;
+}
+
+/// Written whole or not at all, so that a script polling for it never reads half.
+void write_ports(const std::string& path, unsigned udp, unsigned http) {
+    const std::string temporary = path + ".tmp";
+    std::ofstream(temporary) << udp << ' ' << http << '\n';
+    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+        throw std::runtime_error("cannot write " + path);
+    }
+}
+
+std::size_t drawing_agents(const field_view::DrawingStore& store) {
+    std::size_t agents = 0;
+    for (const auto& entry : store.drawings()) {
+        agents += entry.second.empty() ? 0 : 1;
+    }
+    return agents;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    try {
+        if (argc == 2 && (std::string(argv[1]) == "--help" || std::string(argv[1]) == "-h")) {
+            std::cout << usage;
+            return 0;
+        }
+        options = parse(argc, argv);
+    } catch (const std::exception& error) {
+        std::cerr << "orvo_viewer: " << error.what() << " (see --help)\n";
+        return 2;
+    }
+
+    boost::asio::io_context io;
+    field_view::DrawingStore store;
+    std::optional<field_view::DrawingListener> listener;
+    std::optional<field_view::LivePage> page;
+    const auto picture = [&] {
+        field_view::FieldPicture result;
+        result.title = "orvo drawings";
+        const auto& counts = store.counts();
+        result.caption = std::to_string(drawing_agents(store)) + " agents drawing, " +
+                         std::to_string(counts.datagrams) + " datagrams, " +
+                         std::to_string(counts.malformed) + " malformed";
+        result.drawings = store.drawings();
+        return result;
+    };
+    try {
+        listener.emplace(io, options.listen, static_cast<unsigned short>(options.drawing_port),
+                         store, [&] { page->changed(); });
+        page.emplace(io, static_cast<unsigned short>(options.http_port),
+                     [&] { return field_view::field_svg(picture()); });
+        if (!options.ports_file.empty()) {
+            write_ports(options.ports_file, listener->port(), page->port());
+        }
+    } catch (const std::exception& error) {
+        std::cerr << "orvo_viewer: " << error.what() << '\n';
+        return 1;
+    }
+    std::cout << "orvo_viewer: drawings on udp " << options.listen << ':' << listener->port()
+              << ", live page http://127.0.0.1:" << page->port() << '/' << std::endl;
+
+    bool svg_failed = false;
+    const auto write_svg = [&] {
+        if (!options.svg_path.empty() &&
+            !field_view::write_field_svg(options.svg_path, picture())) {
+            std::cerr << "orvo_viewer: cannot write " << options.svg_path << '\n';
+            svg_failed = true;
+        }
+    };
+
+    boost::asio::steady_timer deadline(io);
+    boost::asio::signal_set signals(io, SIGINT, SIGTERM, SIGUSR1);
+    const auto stop = [&] {
+        signals.cancel();
+        deadline.cancel();
+        listener->stop();
+        page->stop();
+        io.stop();
+    };
+    std::function<void()> wait_for_signal = [&] {
+        signals.async_wait([&](const boost::system::error_code& error, int number) {
+            if (error) {
+                return;
+            }
+            if (number == SIGUSR1) {
+                write_svg();
+                wait_for_signal();
+                return;
+            }
+            stop();
+        });
+    };
+    wait_for_signal();
+    if (options.seconds > 0) {
+        deadline.expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+            std::chrono::duration<double>(options.seconds)));
+        deadline.async_wait([&](const boost::system::error_code& error) {
+            if (!error) {
+                stop();
+            }
+        });
+    }
+    io.run();
+    // Browsers get a second to acknowledge the close; then the viewer goes regardless.
+    io.restart();
+    io.run_for(std::chrono::seconds(1));
+
+    write_svg();
+    const auto& counts = store.counts();
+    std::cout << "datagrams: " << counts.datagrams << " received, " << counts.batches
+              << " batches, " << counts.shapes << " shapes, " << counts.malformed << " malformed, "
+              << listener->overflowed() << " dropped by the system\n"
+              << "agents drawing: " << drawing_agents(store) << '\n'
+              << "page: " << page->pushes() << " pictures pushed\n";
+    return svg_failed ? 1 : 0;
+}
