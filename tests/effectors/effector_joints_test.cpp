@@ -1,13 +1,4 @@
-#include <orvo/communication/messenger.h>
-#include <orvo/effectors/effector_joints.h>
-#include <orvo/knowledgebase/actionlog.h>
-#include <orvo/knowledgebase/injectors/injector_action.h>
-#include <orvo/knowledgebase/injectors/injector_effector.h>
-#include <orvo/knowledgebase/injectors/injector_skill.h>
-#include <orvo/net/comm_unit.h>
-#include <orvo/skills/skill_joints.h>
-
-#include <support/loopback.h>
+#include <support/joint_agent.h>
 
 #include <gtest/gtest.h>
 
@@ -20,69 +11,28 @@
 
 namespace {
 
-namespace kb = orvo::knowledgebase;
 using orvo::robot::Joint;
 using orvo::robot::JointSet;
 using orvo::robot::JointValues;
-
-struct ServerAt : orvo::communication::Configuration {
-    explicit ServerAt(unsigned int port) {
-        server_host = "127.0.0.1";
-        server_port = port;
-    }
-};
 
 /// The joint components with their knowledge base, connected to a server
 /// the test reads frame by frame.
 class JointComponents : public ::testing::Test {
 protected:
-    void SetUp() override {
-        listener = std::make_unique<orvo_test::Listener>();
-        configuration = std::make_unique<ServerAt>(listener->address().getPort());
-        orvo::Class_Map classes{{"actionlog", &log},
-                                {"communit", &communit},
-                                {"configuration", configuration.get()},
-                                {"messenger", &messenger},
-                                {"injector_action", &actions},
-                                {"injector_skill", &skills},
-                                {"injector_effector", &effectors},
-                                {"effector_joints", &effector}};
-        for (auto& [name, component] : classes) {
-            component->link(classes);
-        }
-        skill.link(classes);
-        messenger.init();
-        server = listener->accept();
+    std::string next_frame(int ms = orvo_test::wait_ms) {
+        return orvo_test::next_frame(*server, ms);
     }
 
-    /// The next frame's payload, "" when none comes.
-    std::string next_frame(int wait_ms = orvo_test::wait_ms) {
-        if (!orvo_test::readable(server->getFD(), wait_ms)) {
-            return "";
-        }
-        const std::string prefix = orvo_test::read_bytes(*server, 4);
-        std::uint32_t length = 0;
-        for (const char byte : prefix) {
-            length = length << 8 | static_cast<unsigned char>(byte);
-        }
-        return orvo_test::read_bytes(*server, length);
-    }
-
-    kb::ActionLog log;
-    orvo::net::CommUnit communit;
-    std::unique_ptr<ServerAt> configuration;
-    orvo::communication::Messenger messenger;
-    kb::injectors::Injector_Action actions;
-    kb::injectors::Injector_Skill skills;
-    kb::injectors::Injector_Effector effectors;
-    orvo::effectors::Effector_Joints effector;
-    orvo::skills::Skill_Joints skill;
-    std::unique_ptr<orvo_test::Listener> listener;
-    std::unique_ptr<orvo::net::TCPSocket> server;
+    orvo_test::Listener listener;
+    orvo_test::JointAgent agent{listener.address().getPort()};
+    std::unique_ptr<orvo::net::TCPSocket> server = listener.accept();
+    orvo::knowledgebase::ActionLog& log = agent.log;
+    orvo::effectors::Effector_Joints& effector = agent.effector;
+    orvo::skills::Skill_Joints& skill = agent.skill;
 };
 
 TEST_F(JointComponents, TheEffectorSendsTheGivenJointsInOneMessage) {
-    actions("stand", 1, 10);
+    agent.actions("stand", 1, 10);
     JointValues speeds{};
     JointSet joints;
     for (const auto& [joint, speed] : {std::pair{Joint::neck_yaw, 0.5},
@@ -117,7 +67,7 @@ TEST_F(JointComponents, TheSkillSendsEveryJointOfTheRobotOncePerCycle) {
         }
         JointValues angles{};
         for (int cycle = 0; cycle < 3; ++cycle) {
-            actions("stand", 10 * type + cycle, 10);
+            agent.actions("stand", 10 * type + cycle, 10);
             skill(angles, 0.02 * cycle);
             const std::string frame = next_frame();
             // Every joint of the type once, in the table's order.

@@ -1,17 +1,8 @@
 // Joint control against the stand-in server, a real process on loopback: the
 // joint components send their one message a cycle, the server turns the joints.
 
-#include <orvo/communication/messenger.h>
-#include <orvo/effectors/effector_joints.h>
-#include <orvo/knowledgebase/actionlog.h>
-#include <orvo/knowledgebase/injectors/injector_action.h>
-#include <orvo/knowledgebase/injectors/injector_effector.h>
-#include <orvo/knowledgebase/injectors/injector_skill.h>
-#include <orvo/net/comm_unit.h>
-#include <orvo/skills/skill_joints.h>
-
 #include <examples/child_process.h>
-#include <support/loopback.h>
+#include <support/joint_agent.h>
 #include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
@@ -23,67 +14,23 @@
 namespace {
 
 using namespace std::chrono_literals;
-namespace kb = orvo::knowledgebase;
 namespace robot = orvo::robot;
 
-struct ServerAt : orvo::communication::Configuration {
-    explicit ServerAt(unsigned int port) {
-        server_host = "127.0.0.1";
-        server_port = port;
+/// Reads the next perception: its time (s) and every joint angle it reports.
+bool perceive(orvo_test::JointAgent& agent, double& now, robot::JointValues& angles) {
+    const std::string text = orvo_test::next_frame(agent.communit.get_socket());
+    if (text.empty()) {
+        return false;
     }
-};
-
-/// One agent's joint control, connected to the server at `port`.
-struct Agent {
-    explicit Agent(unsigned port) : configuration(port) {
-        orvo::Class_Map classes{{"actionlog", &log},
-                                {"communit", &communit},
-                                {"configuration", &configuration},
-                                {"messenger", &messenger},
-                                {"injector_action", &actions},
-                                {"injector_skill", &skills},
-                                {"injector_effector", &effectors},
-                                {"effector_joints", &effector}};
-        for (auto& [name, component] : classes) {
-            component->link(classes);
+    now = std::strtod(text.c_str() + text.find("(now ") + 5, nullptr);
+    static const std::regex joint(R"(\(HJ \(n ([a-z0-9]+)\) \(ax (-?[0-9.]+)\)\))");
+    for (std::sregex_iterator at(text.begin(), text.end(), joint), end; at != end; ++at) {
+        if (const auto which = robot::joint_by_perceptor((*at)[1].str())) {
+            angles[robot::index(*which)] = std::stod((*at)[2].str());
         }
-        skill.link(classes);
-        messenger.init();
-        orvo_test::bound_waits(communit.get_socket().getFD());
     }
-    ~Agent() { communit.finalize(); }
-
-    /// The next perception, read whole: its time (s) and every joint angle it reports.
-    bool perceive(double& now, robot::JointValues& angles) {
-        const std::string prefix = orvo_test::read_bytes(communit.get_socket(), 4);
-        std::uint32_t size = 0;
-        for (const unsigned char byte : prefix) {
-            size = size << 8 | byte;
-        }
-        const std::string text = orvo_test::read_bytes(communit.get_socket(), size);
-        if (prefix.size() < 4 || text.size() != size) {
-            return false;
-        }
-        now = std::strtod(text.c_str() + text.find("(now ") + 5, nullptr);
-        static const std::regex joint(R"(\(HJ \(n ([a-z0-9]+)\) \(ax (-?[0-9.]+)\)\))");
-        for (std::sregex_iterator at(text.begin(), text.end(), joint), end; at != end; ++at) {
-            if (const auto which = robot::joint_by_perceptor((*at)[1].str())) {
-                angles[robot::index(*which)] = std::stod((*at)[2].str());
-            }
-        }
-        return true;
-    }
-
-    kb::ActionLog log;
-    orvo::net::CommUnit communit;
-    ServerAt configuration;
-    orvo::communication::Messenger messenger;
-    kb::injectors::Injector_Action actions;
-    kb::injectors::Injector_Skill skills;
-    kb::injectors::Injector_Effector effectors;
-    orvo::effectors::Effector_Joints effector;
-    orvo::skills::Skill_Joints skill;
-};
+    return true;
+}
 
 TEST(JointsOnTheStandin, EveryJointReachesItsTargetWithinTwoDegrees) {
     orvo_test::ScratchDir scratch;
@@ -100,7 +47,7 @@ TEST(JointsOnTheStandin, EveryJointReachesItsTargetWithinTwoDegrees) {
     constexpr int bound = 50; // a 240-degree swing at the speed limit takes 35 cycles
     for (const int type : {4, 0}) {
         SCOPED_TRACE("type " + std::to_string(type));
-        Agent agent(port);
+        orvo_test::JointAgent agent(port);
         agent.messenger.send_message(
             ("(scene rsg/agent/nao/nao_hetero.rsg " + std::to_string(type) + ")").c_str());
         agent.skill.set_robot_type(type);
@@ -117,7 +64,7 @@ TEST(JointsOnTheStandin, EveryJointReachesItsTargetWithinTwoDegrees) {
         double now = 0;
         robot::JointValues angles{};
         for (int cycle = 0; cycle <= bound; ++cycle) {
-            ASSERT_TRUE(agent.perceive(now, angles)) << server.error_text();
+            ASSERT_TRUE(perceive(agent, now, angles)) << server.error_text();
             agent.actions("hold", static_cast<unsigned>(cycle), 5);
             agent.skill(angles, now);
             agent.messenger.send_message("(syn)");

@@ -1,0 +1,75 @@
+#ifndef ORVO_TESTS_SUPPORT_JOINT_AGENT_H
+#define ORVO_TESTS_SUPPORT_JOINT_AGENT_H
+
+#include <orvo/communication/messenger.h>
+#include <orvo/effectors/effector_joints.h>
+#include <orvo/knowledgebase/actionlog.h>
+#include <orvo/knowledgebase/injectors/injector_action.h>
+#include <orvo/knowledgebase/injectors/injector_effector.h>
+#include <orvo/knowledgebase/injectors/injector_skill.h>
+#include <orvo/net/comm_unit.h>
+#include <orvo/skills/skill_joints.h>
+
+#include <support/loopback.h>
+
+#include <cstdint>
+#include <string>
+
+namespace orvo_test {
+
+/// An agent of nothing but joint control and its knowledge base, linked as
+/// an Architect would link it and connected to the server at `port`.
+struct JointAgent {
+    struct ServerAt : orvo::communication::Configuration {
+        explicit ServerAt(unsigned int port) {
+            server_host = "127.0.0.1";
+            server_port = port;
+        }
+    };
+
+    explicit JointAgent(unsigned int port) : configuration(port) {
+        orvo::Class_Map classes{{"actionlog", &log},
+                                {"communit", &communit},
+                                {"configuration", &configuration},
+                                {"messenger", &messenger},
+                                {"injector_action", &actions},
+                                {"injector_skill", &skills},
+                                {"injector_effector", &effectors},
+                                {"effector_joints", &effector},
+                                {"skill_joints", &skill}};
+        for (auto& [name, component] : classes) {
+            component->link(classes);
+        }
+        messenger.init();
+        bound_waits(communit.get_socket().getFD());
+    }
+    ~JointAgent() { communit.finalize(); }
+
+    orvo::knowledgebase::ActionLog log;
+    orvo::net::CommUnit communit;
+    ServerAt configuration;
+    orvo::communication::Messenger messenger;
+    orvo::knowledgebase::injectors::Injector_Action actions;
+    orvo::knowledgebase::injectors::Injector_Skill skills;
+    orvo::knowledgebase::injectors::Injector_Effector effectors;
+    orvo::effectors::Effector_Joints effector;
+    orvo::skills::Skill_Joints skill;
+};
+
+/// The payload of the next frame on `socket`, "" when none comes within `ms`.
+inline std::string next_frame(orvo::net::Socket& socket, int ms = wait_ms) {
+    if (!readable(socket.getFD(), ms)) {
+        return "";
+    }
+    const std::string prefix = read_bytes(socket, 4);
+    std::uint32_t size = 0;
+    for (const unsigned char byte : prefix) {
+        size = size << 8 | byte;
+    }
+    const std::string payload = read_bytes(socket, size);
+    return prefix.size() == 4 && payload.size() == size ? payload : "";
+}
+
+} // namespace orvo_test
+
+#endif
