@@ -5,8 +5,8 @@
 // Besides time and bytes per second, each benchmark reports the allocations
 // per message once both readers have read every message twice.
 
-#include "support/allocation_counter.h"
 #include "legacy_perception.h"
+#include "support/allocation_counter.h"
 
 #include <orvo/perception/perception_reader.h>
 
