@@ -2,6 +2,7 @@
 
 #include "beam_to.h"
 #include "find_cell.h"
+#include "formation.h"
 #include "posture.h"
 #include "world_model.h"
 
@@ -25,9 +26,12 @@ void SpreadOut::operator()() {
     const orvo::math::Vector2d me(world->position());
     const orvo::math::Vector2d centroid = (*find_cell)();
     const orvo::math::Vector2d way(centroid.x - me.x, centroid.y - me.y);
-    if (std::hypot(way.x, way.y) > settled) {
-        const orvo::math::Vector2d part = step * way;
-        (*beam)(orvo::math::Vector2d(me.x + part.x, me.y + part.y));
+    // Halfway there, but never off the leash; a player pulled to the end of its
+    // leash stays put instead of beaming to the same spot every cycle.
+    const orvo::math::Vector2d target =
+        on_leash(world->number(), orvo::math::Vector2d(me.x + step * way.x, me.y + step * way.y));
+    if (std::hypot(target.x - me.x, target.y - me.y) > settled) {
+        (*beam)(target);
     }
     (*posture)();
 }

@@ -15,9 +15,10 @@ class Posture;
 class WorldModel;
 
 /// "behavior_spread_out": while the play mode allows beams, moves the player
-/// halfway towards the centroid of its Voronoi cell among its team-mates, and
-/// keeps its posture, the head scanning. Played by the whole team, cycle after cycle, this spreads
-/// the team evenly over its half.
+/// halfway towards the centroid of its Voronoi cell among its team-mates, as
+/// far as the leash around its formation spot allows, and keeps its posture,
+/// the head scanning. Played by the whole team, cycle after cycle, this evens
+/// out the formation over the team's half.
 class SpreadOut : public orvo::behaviors::Behavior {
 public:
     void link(orvo::Class_Map& classes) override;

@@ -1,6 +1,7 @@
 #include "take_position.h"
 
 #include "beam_to.h"
+#include "formation.h"
 #include "posture.h"
 #include "world_model.h"
 
@@ -10,13 +11,6 @@
 #include <gsl/gsl_rng.h>
 
 namespace demo {
-
-namespace {
-// Spots of the formation, by player number, in the team's frame.
-const orvo::math::Vector2d formation[] = {{-14, 0}, {-10, -5}, {-10, 5}, {-11, 0},
-                                          {-7, -8}, {-7, 8},   {-6, 0},  {-4, -4},
-                                          {-4, 4},  {-2, -7},  {-2, 7}};
-} // namespace
 
 void TakePosition::link(orvo::Class_Map& classes) {
     actions = orvo::get_class<orvo::knowledgebase::injectors::Injector_Action>(
@@ -30,8 +24,7 @@ void TakePosition::link(orvo::Class_Map& classes) {
 
 void TakePosition::operator()() {
     (*actions)(get_name(), world->time(), action_retention);
-    const int count = sizeof formation / sizeof formation[0];
-    const auto& spot = formation[(world->number() - 1 + count) % count];
+    const auto& spot = formation_spot(world->number());
     const auto shift = [this] {
         return static_cast<float>((gsl_rng_uniform(random->rng.get()) * 2.0 - 1.0) * jitter);
     };

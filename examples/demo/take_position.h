@@ -25,7 +25,8 @@ public:
     std::string get_name() const override { return "behavior_take_position"; }
     void operator()() override;
 
-    static constexpr float jitter = 1.0f; ///< metres, at most, in x and in y
+    /// Metres, at most, in x and in y: within a metre of the spot, so on its leash.
+    static constexpr float jitter = 0.7f;
 
 private:
     orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
