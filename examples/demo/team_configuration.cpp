@@ -8,6 +8,11 @@
 
 namespace demo {
 
+namespace {
+constexpr const char* source_file = "demo/team_configuration.cpp";
+constexpr int line_init = 11;
+} // namespace
+
 void TeamConfiguration::init() {
     std::ifstream in(file);
     if (in) {
@@ -18,7 +23,7 @@ void TeamConfiguration::init() {
     try {
         orvo::net::Addr(static_cast<unsigned short>(settings.port), settings.host);
     } catch (const orvo::net::HostNotFound& failure) {
-        throw orvo::Exception(orvo::gen_ffl_string("demo/team_configuration.cpp", "init", __LINE__),
+        throw orvo::Exception(orvo::gen_ffl_string(source_file, "init", line_init),
                               "cannot resolve the server host '" + settings.host +
                                   "' (setting 'host' of " + file + "): " + failure.what(),
                               "Exception");
