@@ -122,6 +122,18 @@ cleanup() {
 trap cleanup EXIT
 trap 'exit 130' INT TERM
 
+# await_ports FILE LOG WHAT: waits (at most 10 s) until a program has written
+# the ports it listens on to FILE; otherwise shows its LOG and stops.
+await_ports() {
+  for _ in $(seq 200); do
+    [ -s "$1" ] && return 0
+    sleep 0.05
+  done
+  echo "demo.sh: $3 did not start:" >&2
+  cat "$2" >&2
+  exit 1
+}
+
 # wait_for PID SECONDS: the process's exit status, or 124 after killing it.
 wait_for() {
   local pid=$1 deadline=$((SECONDS + $2))
@@ -187,15 +199,7 @@ if [ -n "$external" ]; then
     --svg "$run/field.svg" > "$run/viewer.txt" 2>&1 &
   viewer_pid=$!
   pids+=("$viewer_pid")
-  for _ in $(seq 100); do
-    [ -s "$run/viewer-ports" ] && break
-    sleep 0.05
-  done
-  if [ ! -s "$run/viewer-ports" ]; then
-    echo "demo.sh: the drawing viewer did not start:" >&2
-    cat "$run/viewer.txt" >&2
-    exit 1
-  fi
+  await_ports "$run/viewer-ports" "$run/viewer.txt" "the drawing viewer"
   read -r udp_port http_port < "$run/viewer-ports"
   drawing_host=127.0.0.1
   echo "== the agents' drawings live: http://127.0.0.1:$http_port/ (until the game ends)"
@@ -211,15 +215,7 @@ else
     --log "$run/server-log.txt" > "$run/server-summary.txt" 2> "$run/server-messages.txt" &
   server_pid=$!
   pids+=("$server_pid")
-  for _ in $(seq 200); do
-    [ -s "$run/ports" ] && break
-    sleep 0.05
-  done
-  if [ ! -s "$run/ports" ]; then
-    echo "demo.sh: the stand-in server did not start:" >&2
-    cat "$run/server-messages.txt" >&2
-    exit 1
-  fi
+  await_ports "$run/ports" "$run/server-messages.txt" "the stand-in server"
   server_host=127.0.0.1
   read -r tcp_port udp_port monitor_port < "$run/ports"
   gap=$(awk -v f="$slowdown" 'BEGIN { printf "%.3f", 0.05 * f }')
