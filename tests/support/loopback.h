@@ -3,6 +3,7 @@
 
 #include <orvo/net/comm_unit.h>
 #include <orvo/net/tcp_socket.h>
+#include <orvo/protocol/framing.h>
 
 #include <support/open_fds.h>
 
@@ -67,10 +68,8 @@ inline std::string read_bytes(orvo::net::Socket& socket, std::size_t count) {
 
 /// `payload` behind a big-endian length prefix announcing `length` bytes.
 inline std::string frame(const std::string& payload, std::uint32_t length) {
-    std::string bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>(length >> (8 * (3 - i)));
-    }
+    std::string bytes(orvo::protocol::length_prefix_size, '\0');
+    orvo::protocol::write_length(length, bytes.data());
     return bytes + payload;
 }
 

@@ -2,8 +2,8 @@
 // datagrams in, a real HTTP and WebSocket client out.
 
 #include "drawing_store.h"
-#include "drawing_wire.h"
 #include "field_svg.h"
+#include <orvo/protocol/drawing_wire.h>
 
 #include <examples/child_process.h>
 #include <support/loopback.h>
@@ -37,14 +37,14 @@ namespace asio = boost::asio;
 namespace beast = boost::beast;
 namespace http = boost::beast::http;
 namespace websocket = boost::beast::websocket;
-using demo::wire::Kind;
+using orvo::protocol::drawing::Kind;
 using orvo_test::count_of;
 
 std::string bytes_of(Kind kind, std::uint8_t header, const char* name,
-                     std::vector<demo::wire::Corner> corners) {
-    unsigned char buffer[demo::wire::max_shape_size];
-    const auto size = demo::wire::encode(kind, header, name, {200, 40, 40}, corners.data(),
-                                         corners.size(), buffer);
+                     std::vector<orvo::protocol::drawing::Corner> corners) {
+    unsigned char buffer[orvo::protocol::drawing::max_shape_size];
+    const auto size = orvo::protocol::drawing::encode(kind, header, name, {200, 40, 40},
+                                                      corners.data(), corners.size(), buffer);
     return std::string(reinterpret_cast<const char*>(buffer), size);
 }
 
@@ -261,7 +261,7 @@ TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
     orvo_test::ScratchDir dir;
     field_view::FieldPicture picture;
     picture.players = {{1, 0, -5, 0}, {1, 1, 5, 0}};
-    demo::wire::Shape cell;
+    orvo::protocol::drawing::Shape cell;
     cell.kind = Kind::polygon;
     cell.name = "cell<&>";
     cell.corners = {{-15, 10}, {0, 10}, {0, -10}};

@@ -2,6 +2,9 @@
 
 #include "perception.h"
 
+#include <orvo/protocol/constants.h>
+#include <orvo/protocol/framing.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -17,7 +20,7 @@ namespace standin {
 namespace {
 
 constexpr std::size_t max_agents = 22;
-constexpr double cycle_seconds = 0.02;
+using orvo::protocol::cycle_seconds;
 
 Clock::duration seconds(double value) {
     return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(value));
@@ -157,7 +160,7 @@ void StandinServer::begin_cycle() {
     for (auto& agent : agents) {
         if (agent->perceives()) {
             std::string frame;
-            Link::append_frame(frame, write_perception(*agent, moment, agents));
+            orvo::protocol::append_frame(frame, write_perception(*agent, moment, agents));
             agent->heard.clear();
             agent->announce = false;
             // A real server in real time now and then writes two perceptions at once.

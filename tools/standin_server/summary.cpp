@@ -2,6 +2,8 @@
 
 #include "standin_server.h"
 
+#include <orvo/protocol/constants.h>
+
 #include <algorithm>
 #include <cstdio>
 
@@ -21,8 +23,9 @@ void StandinServer::print_summary(std::ostream& out) const {
     std::snprintf(line, sizeof line,
                   "stand-in server: %u cycles (%.2f s simulated) in %.2f s wall time, %s "
                   "(slowdown %g, pairs %g), %zu agents (%u expected)\n",
-                  cycle, cycle * 0.02, seconds_between(started, finished), mode, options.slowdown,
-                  options.sync ? 0.0 : options.pairs, agents.size(), options.agents);
+                  cycle, cycle * orvo::protocol::cycle_seconds, seconds_between(started, finished),
+                  mode, options.slowdown, options.sync ? 0.0 : options.pairs, agents.size(),
+                  options.agents);
     out << line;
     if (agents.size() < options.agents) {
         out << "missing: " << options.agents - agents.size() << " of the " << options.agents
@@ -30,7 +33,7 @@ void StandinServer::print_summary(std::ostream& out) const {
     }
     out << "play modes: BeforeKickOff from cycle 1";
     if (referee.kickoff_cycle() != 0) {
-        out << ", " << mode_name(referee.kickoff_mode()) << " from cycle "
+        out << ", " << orvo::protocol::name_of(referee.kickoff_mode()) << " from cycle "
             << referee.kickoff_cycle();
         if (referee.play_on_cycle() <= cycle) {
             out << ", PlayOn from cycle " << referee.play_on_cycle();
