@@ -14,7 +14,6 @@ namespace orvo::skills {
 namespace {
 
 constexpr const char* source_file = "skills/src/skill_joints.cpp";
-constexpr int line_link = 24;
 
 } // namespace
 
@@ -27,7 +26,7 @@ void Skill_Joints::link(Class_Map& classes) {
     try {
         effector = get_class<effectors::Effector_Joints>(*this, "effector_joints", classes);
     } catch (const LinkException& missing) {
-        throw LinkException(gen_ffl_string(source_file, "link", line_link), missing);
+        throw LinkException(gen_ffl_string(source_file, "link", __LINE__), missing);
     }
 }
 
