@@ -144,7 +144,7 @@ void TeamAgent::report(std::ostream& out) {
     out << joints;
     action_log->print(out);
     out << '\n';
-    if (action_log->current_action != action_log->actions.end()) {
+    if (action_log->get_current_action() != action_log->get_actions().end()) {
         out << "current action: " << action_log->to_eval() << '\n';
     }
     if (!cycle_micros.empty()) {
