@@ -43,18 +43,7 @@ struct Client {
                   static_cast<int>(bytes.size()));
     }
     /// One whole frame, or "" on time-out or end of stream.
-    std::string receive() {
-        const std::string prefix = orvo_test::read_bytes(socket, 4);
-        if (prefix.size() < 4) {
-            return "";
-        }
-        std::uint32_t size = 0;
-        for (unsigned char byte : prefix) {
-            size = size << 8 | byte;
-        }
-        const std::string text = orvo_test::read_bytes(socket, size);
-        return text.size() == size ? text : "";
-    }
+    std::string receive() { return orvo_test::next_frame(socket); }
     /// Perceptions until one holds `wanted` (which is returned), at most `limit`; "" if none.
     std::string receive_until(const std::string& wanted, int limit = 100) {
         for (int i = 0; i < limit; ++i) {
@@ -285,8 +274,8 @@ TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
         // Whole frames only, and two of them.
         int frames = 0;
         for (int at = 0; at + 4 <= n; ++frames) {
-            const auto* prefix = reinterpret_cast<const unsigned char*>(bytes + at);
-            at += 4 + (prefix[0] << 24 | prefix[1] << 16 | prefix[2] << 8 | prefix[3]);
+            at += 4 + static_cast<int>(boost::endian::load_big_u32(
+                          reinterpret_cast<const unsigned char*>(bytes + at)));
             ASSERT_LE(at, n);
         }
         EXPECT_EQ(frames % 2, 0);

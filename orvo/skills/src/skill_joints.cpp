@@ -30,6 +30,15 @@ void Skill_Joints::link(Class_Map& classes) {
     }
 }
 
+void Skill_Joints::init() {
+    if (skill_injector == nullptr || effector == nullptr) {
+        throw LogicException(gen_ffl_string(source_file, "init", __LINE__),
+                             skill_injector == nullptr
+                                 ? "\"injector_skill\" is not an Injector_Skill"
+                                 : "\"effector_joints\" is not an Effector_Joints");
+    }
+}
+
 std::string Skill_Joints::get_name() const {
     return "skill_joints";
 }
