@@ -7,6 +7,7 @@
 
 #include <support/open_fds.h>
 
+#include <boost/endian/conversion.hpp>
 #include <gtest/gtest.h>
 
 #include <poll.h>
@@ -75,6 +76,21 @@ inline std::string frame(const std::string& payload, std::uint32_t length) {
 
 inline std::string frame(const std::string& payload) {
     return frame(payload, static_cast<std::uint32_t>(payload.size()));
+}
+
+/// The payload of the next frame on `socket`; "" when none comes whole within `ms`.
+inline std::string next_frame(orvo::net::Socket& socket, int ms = wait_ms) {
+    if (!readable(socket.getFD(), ms)) {
+        return "";
+    }
+    const std::string prefix = read_bytes(socket, 4);
+    if (prefix.size() < 4) {
+        return "";
+    }
+    const std::uint32_t size =
+        boost::endian::load_big_u32(reinterpret_cast<const unsigned char*>(prefix.data()));
+    const std::string payload = read_bytes(socket, size);
+    return payload.size() == size ? payload : "";
 }
 
 /// A listening socket on an ephemeral loopback port.

@@ -44,18 +44,7 @@ struct Client {
                   static_cast<int>(bytes.size()));
     }
     /// One whole frame, or "" on time-out or end of stream.
-    std::string receive() {
-        const std::string prefix = orvo_test::read_bytes(socket, 4);
-        if (prefix.size() < 4) {
-            return "";
-        }
-        std::uint32_t size = 0;
-        for (unsigned char byte : prefix) {
-            size = size << 8 | byte;
-        }
-        const std::string text = orvo_test::read_bytes(socket, size);
-        return text.size() == size ? text : "";
-    }
+    std::string receive() { return orvo_test::next_frame(socket); }
     /// Perceptions until one holds `wanted` (which is returned), at most `limit`; "" if none.
     std::string receive_until(const std::string& wanted, int limit = 100) {
         for (int i = 0; i < limit; ++i) {
