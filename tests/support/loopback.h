@@ -7,7 +7,6 @@
 
 #include <support/open_fds.h>
 
-#include <boost/endian/conversion.hpp>
 #include <gtest/gtest.h>
 
 #include <poll.h>
