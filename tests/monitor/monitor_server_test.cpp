@@ -25,6 +25,11 @@ protected:
         if (!orvo::sim::SimServer::installed()) {
             GTEST_SKIP() << "no simulation server installed";
         }
+        start();
+    }
+    void start() {
+        robots.clear();
+        monitor.reset();
         server = std::make_unique<orvo::sim::SimServer>();
         monitor = std::make_unique<MonitorClient>("127.0.0.1", server->monitor_port());
     }
@@ -57,22 +62,24 @@ TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
     struct Case {
         int type, number;
         double x, y, heading;
+        bool toes;
     };
-    const Case cases[] = {{0, 1, -5.0, 2.0, 0.0}, {4, 4, -3.0, -4.0, 90.0}};
+    // One server each: in sync mode a robot that is not stepped holds up
+    // every other robot's joining.
+    const Case cases[] = {{0, 1, -5.0, 2.0, 0.0, false}, {4, 4, -3.0, -4.0, 90.0, true}};
     for (const Case& c : cases) {
+        start();
         join(c.type, c.number);
-    }
-    for (const Case& c : cases) {
         monitor->place_robot(Side::left, c.number, c.x, c.y, 0.4, c.heading);
-    }
-    run(10);
-    for (const Case& c : cases) {
+        run(10);
         const auto* robot = monitor->robot(Side::left, c.number);
         ASSERT_NE(robot, nullptr) << c.number;
         EXPECT_EQ(robot->type, c.type);
         EXPECT_NEAR(robot->x, c.x, 0.05) << c.number;
         EXPECT_NEAR(robot->y, c.y, 0.05) << c.number;
         EXPECT_NEAR(std::remainder(robot->heading_deg - c.heading, 360.0), 0.0, 5.0) << c.number;
+        EXPECT_EQ(robot->part("ltoe") != nullptr, c.toes) << c.number;
+        EXPECT_NE(robot->part("rfoot"), nullptr) << c.number;
     }
 }
 

@@ -76,9 +76,12 @@ void MonitorClient::play_mode(const std::string& name) {
 
 void MonitorClient::place_robot(Side side, int number, double x, double y, double z,
                                 double heading_deg) {
+    // The server turns a placed robot by its own angle, which faces the
+    // robot's forward axis along +y at 0: a quarter turn from our heading.
+    const double server_angle = heading_deg - 90.0;
     char command[160];
     std::snprintf(command, sizeof command, "(agent (unum %d) (team %s) (move %.4f %.4f %.4f %.3f))",
-                  number, team_of(side), x, y, z, heading_deg);
+                  number, team_of(side), x, y, z, server_angle);
     send(command);
 }
 

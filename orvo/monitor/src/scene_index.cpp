@@ -20,6 +20,10 @@ constexpr std::array<std::string_view, 14> part_names = {
     "lshank", "lfoot", "rthigh",    "rshank",    "rfoot",     "ltoe",      "rtoe"};
 constexpr int torso_name = 0;
 constexpr int head_name = 1;
+constexpr int lfoot_name = 8;
+constexpr int rfoot_name = 11;
+constexpr int ltoe_name = 12;
+constexpr int rtoe_name = 13;
 
 constexpr double degrees_per_radian = boost::math::double_constants::radian;
 
@@ -136,14 +140,20 @@ void SceneReader::describe_robot(const RobotNodes& nodes, RobotTruth& robot) con
     for (std::size_t k = 0; k < nodes.parts.size(); ++k) {
         // A part is named after the first model in its subtree.
         const auto part = static_cast<std::size_t>(nodes.parts[k]);
-        robot.parts[k].name = {};
+        int name = -1;
         for (std::size_t j = part + 1; j < nodes_.size() && nodes_[j].depth > nodes_[part].depth;
              ++j) {
             if (nodes_[j].name >= 0) {
-                robot.parts[k].name = part_names[static_cast<std::size_t>(nodes_[j].name)];
+                name = nodes_[j].name;
                 break;
             }
         }
+        // Type 4 draws each toe with its foot's model, in the part after the foot.
+        if (k > 0 && (name == lfoot_name || name == rfoot_name) &&
+            robot.parts[k - 1].name == part_names[static_cast<std::size_t>(name)]) {
+            name = name == lfoot_name ? ltoe_name : rtoe_name;
+        }
+        robot.parts[k].name = name >= 0 ? part_names[static_cast<std::size_t>(name)] : "";
     }
 }
 
