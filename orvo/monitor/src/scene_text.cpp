@@ -34,16 +34,38 @@ std::string_view SceneText::word() {
     return text.substr(from, at - from);
 }
 
+namespace {
+/// Reads a number where `text` is at: the numbers are most of a scene's
+/// text, so they are read in place rather than cut out as words first.
+template <typename T> bool read_number(std::string_view text, std::size_t& at, T& value) {
+    const char* const begin = text.data() + at;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(begin, end, value);
+    const bool whole = stop == end || blank(*stop) || *stop == '(' || *stop == ')';
+    if (error != std::errc() || stop == begin || !whole) {
+        return false;
+    }
+    at += static_cast<std::size_t>(stop - begin);
+    return true;
+}
+} // namespace
+
 bool SceneText::number(double& value) {
-    const std::string_view w = word();
-    const auto [end, error] = std::from_chars(w.data(), w.data() + w.size(), value);
-    return error == std::errc() && end == w.data() + w.size() && !w.empty();
+    peek();
+    if (read_number(text, at, value)) {
+        return true;
+    }
+    word(); // not a number: skipped like one
+    return false;
 }
 
 bool SceneText::number(int& value) {
-    const std::string_view w = word();
-    const auto [end, error] = std::from_chars(w.data(), w.data() + w.size(), value);
-    return error == std::errc() && end == w.data() + w.size() && !w.empty();
+    peek();
+    if (read_number(text, at, value)) {
+        return true;
+    }
+    word();
+    return false;
 }
 
 bool SceneText::close() {
