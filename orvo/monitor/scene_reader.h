@@ -74,6 +74,8 @@ private:
     void classify_material(Node& node, std::string_view material);
     void index_scene();
     void index_robot(int mesh, RobotNodes& robot);
+    /// The part name of the first model in `node`'s subtree, or -1.
+    int model_below(int node) const;
     void describe_robot(const RobotNodes& nodes, RobotTruth& robot) const;
     void derive();
     void pose_of(int node, Pose& pose) const;

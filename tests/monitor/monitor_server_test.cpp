@@ -8,7 +8,6 @@
 #include <chrono>
 #include <cmath>
 #include <memory>
-#include <vector>
 
 #include "sim_robot.h"
 #include "sim_server.h"
@@ -21,33 +20,21 @@ using orvo::monitor::Side;
 
 class RealServer : public ::testing::Test {
 protected:
-    void SetUp() override {
-        if (!orvo::sim::SimServer::installed()) {
-            GTEST_SKIP() << "no simulation server installed";
-        }
-        start();
-    }
-    void start() {
-        robots.clear();
+    /// A new server with one robot joined and a monitor connected.
+    void start(int type, int number) {
+        robot.reset();
         monitor.reset();
         server = std::make_unique<orvo::sim::SimServer>();
         monitor = std::make_unique<MonitorClient>("127.0.0.1", server->monitor_port());
+        robot = std::make_unique<orvo::sim::SimRobot>("127.0.0.1", server->agent_port(),
+                                                      orvo::sim::RobotEntry{type, number, "probe"});
+        ASSERT_EQ(robot->join(), number);
     }
-    void join(int type, int number) {
-        robots.push_back(std::make_unique<orvo::sim::SimRobot>(
-            "127.0.0.1", server->agent_port(), orvo::sim::RobotEntry{type, number, "probe"}));
-        ASSERT_EQ(robots.back()->join(), number);
-    }
-    /// Steps every robot `cycles` times (the server moves on only then) and
+    /// Steps the robot `cycles` times (the server moves on only then) and
     /// reads what the monitor sent meanwhile.
     void run(int cycles) {
         for (int i = 0; i < cycles; ++i) {
-            for (auto& robot : robots) {
-                robot->send("");
-            }
-            for (auto& robot : robots) {
-                robot->receive();
-            }
+            robot->step();
             monitor->update(0ms);
         }
         monitor->update(200ms);
@@ -55,7 +42,7 @@ protected:
 
     std::unique_ptr<orvo::sim::SimServer> server;
     std::unique_ptr<MonitorClient> monitor;
-    std::vector<std::unique_ptr<orvo::sim::SimRobot>> robots;
+    std::unique_ptr<orvo::sim::SimRobot> robot;
 };
 
 TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
@@ -68,8 +55,7 @@ TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
     // every other robot's joining.
     const Case cases[] = {{0, 1, -5.0, 2.0, 0.0, false}, {4, 4, -3.0, -4.0, 90.0, true}};
     for (const Case& c : cases) {
-        start();
-        join(c.type, c.number);
+        start(c.type, c.number);
         monitor->place_robot(Side::left, c.number, c.x, c.y, 0.4, c.heading);
         run(10);
         const auto* robot = monitor->robot(Side::left, c.number);
@@ -84,7 +70,7 @@ TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
 }
 
 TEST_F(RealServer, PlacedBallReadsBack) {
-    join(0, 1);
+    start(0, 1);
     // Before the kick-off the referee keeps the ball on the centre spot.
     monitor->play_mode("PlayOn");
     run(2);

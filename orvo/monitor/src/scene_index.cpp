@@ -122,13 +122,24 @@ void SceneReader::index_robot(int mesh, RobotNodes& robot) {
         return;
     }
     robot.torso = torso;
+    robot.parts.push_back(torso); // first, whatever the scene's order
     const int depth = nodes_[static_cast<std::size_t>(body)].depth;
     for (std::size_t j = static_cast<std::size_t>(body) + 1;
          j < nodes_.size() && nodes_[j].depth > depth; ++j) {
-        if (nodes_[j].parent == body && nodes_[j].transform) {
+        if (nodes_[j].parent == body && nodes_[j].transform && static_cast<int>(j) != torso) {
             robot.parts.push_back(static_cast<int>(j));
         }
     }
+}
+
+int SceneReader::model_below(int node) const {
+    const auto top = static_cast<std::size_t>(node);
+    for (std::size_t j = top + 1; j < nodes_.size() && nodes_[j].depth > nodes_[top].depth; ++j) {
+        if (nodes_[j].name >= 0) {
+            return nodes_[j].name;
+        }
+    }
+    return -1;
 }
 
 void SceneReader::describe_robot(const RobotNodes& nodes, RobotTruth& robot) const {
@@ -138,16 +149,7 @@ void SceneReader::describe_robot(const RobotNodes& nodes, RobotTruth& robot) con
     robot.type = mesh.type;
     robot.parts.resize(nodes.parts.size());
     for (std::size_t k = 0; k < nodes.parts.size(); ++k) {
-        // A part is named after the first model in its subtree.
-        const auto part = static_cast<std::size_t>(nodes.parts[k]);
-        int name = -1;
-        for (std::size_t j = part + 1; j < nodes_.size() && nodes_[j].depth > nodes_[part].depth;
-             ++j) {
-            if (nodes_[j].name >= 0) {
-                name = nodes_[j].name;
-                break;
-            }
-        }
+        int name = k == 0 ? torso_name : model_below(nodes.parts[k]);
         // Type 4 draws each toe with its foot's model, in the part after the foot.
         if (k > 0 && (name == lfoot_name || name == rfoot_name) &&
             robot.parts[k - 1].name == part_names[static_cast<std::size_t>(name)]) {
