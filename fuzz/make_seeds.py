@@ -122,3 +122,24 @@ write(
     b"(rfoot (pol 2 3 4)) (head (pol 1 2 3))) (L (pol 1 2 3) (pol 4 5 6)))"
     b"(hear orvo 12.40 -90.5 pass)(hear 12.42 self go)",
 )
+
+# Monitor streams, one message per line: the start of the server's recorded
+# stream (a whole scene, then updates), and a made-up one-robot scene small
+# enough for the fuzzer to change in every part.
+sample = pathlib.Path(__file__).resolve().parent.parent / "tests" / "monitor" / "data"
+monitor_lines = (sample / "monitor-sample.txt").read_bytes().splitlines()
+write("monitor_reader_fuzzer", "recorded_scene_and_updates", b"\n".join(monitor_lines[:3]))
+write("monitor_reader_fuzzer", "recorded_update_alone", monitor_lines[1])
+identity = b"(SLT 1 0 0 0 0 1 0 0 0 0 1 0 0 0 0 1)"
+write(
+    "monitor_reader_fuzzer",
+    "one_robot",
+    b"((time 0)(play_mode 0)(team_left a)(score_left 0))(RSG 0 1)((nd TRF " + identity
+    + b"(nd TRF (SLT 1 0 0 0 0 1 0 0 0 0 1 0 -2 1 0.4 1)(nd TRF " + identity
+    + b"(nd StaticMesh (load models/naobody4.obj) (resetMaterials matNum3 matRight))))"
+    + b"(nd TRF (SLT 1 0 0 0 0 1 0 0 0 0 1 0 -2 1 0.1 1)(nd TRF " + identity
+    + b"(nd StaticMesh (load models/lfoot.obj)))))(nd TRF " + identity
+    + b"(nd StaticMesh (load models/soccerball.obj))))\n"
+    b"((time 0.04)(play_mode 3))(RDS 0 1)((nd(nd (SLT 0 1 0 0 -1 0 0 0 0 0 1 0 1 2 0.3 1)"
+    b"(nd(nd)))(nd(nd(nd))))(nd (SLT 1 0 0 0 0 1 0 0 0 0 1 0 3 -1 0.04 1)(nd)))",
+)

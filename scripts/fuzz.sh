@@ -10,7 +10,8 @@ cd "$(dirname "$0")/.."
 
 seconds=${1:-60}
 build=build/fuzz
-targets=(config_reader_fuzzer comm_unit_fuzzer frame_reader_fuzzer perception_reader_fuzzer)
+targets=(config_reader_fuzzer comm_unit_fuzzer frame_reader_fuzzer perception_reader_fuzzer
+         monitor_reader_fuzzer)
 
 cmake -S fuzz -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ >/dev/null
 cmake --build "$build" -j "$(nproc)"
