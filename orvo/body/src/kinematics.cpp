@@ -13,12 +13,11 @@ using detail::radians_per_degree;
 Eigen::Isometry3d foot_pose(const BodyModel& model, Leg leg, const LegAngles& angles) {
     const auto joints = detail::leg_joints(model, leg);
     const detail::LegVector degrees = detail::to_vector(angles);
-    Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
+    detail::Frame frame;
     for (std::size_t k = 0; k < 6; ++k) {
-        pose = pose *
-               detail::turn(*joints[k], degrees[static_cast<Eigen::Index>(k)] * radians_per_degree);
+        frame.then(*joints[k], degrees[static_cast<Eigen::Index>(k)] * radians_per_degree);
     }
-    return pose * Eigen::Translation3d(model.sole_centre(leg));
+    return frame.at(model.sole_centre(leg));
 }
 
 namespace {

@@ -74,13 +74,13 @@ Evaluation evaluate(const Joints& leg, const Eigen::Vector3d& sole0, const LegVe
     Evaluation e;
     std::array<Eigen::Vector3d, 6> axes;
     std::array<Eigen::Vector3d, 6> anchors;
-    Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
+    detail::Frame frame;
     for (std::size_t k = 0; k < 6; ++k) {
-        axes[k] = pose.linear() * leg[k]->axis;
-        anchors[k] = pose * leg[k]->anchor;
-        pose = pose * detail::turn(*leg[k], q[static_cast<Eigen::Index>(k)]);
+        axes[k] = frame.rotation * leg[k]->axis;
+        anchors[k] = frame.origin + frame.rotation * leg[k]->anchor;
+        frame.then(*leg[k], q[static_cast<Eigen::Index>(k)]);
     }
-    e.sole = pose * Eigen::Translation3d(sole0);
+    e.sole = frame.at(sole0);
     for (std::size_t k = 0; k < 6; ++k) {
         e.jacobian.col(static_cast<Eigen::Index>(k))
             << axes[k].cross(e.sole.translation() - anchors[k]),
@@ -112,7 +112,7 @@ LegVector refine(const Joints& leg, const Eigen::Vector3d& sole0, const Eigen::I
     for (int i = 0; i < max_iterations; ++i) {
         Evaluation e = evaluate(leg, sole0, q);
         const Eigen::Matrix<double, 6, 1> err = error(e, target, !hyp_free);
-        if (!err.allFinite() || err.norm() < 1e-12) {
+        if (!err.allFinite() || err.norm() < 1e-10) {
             break;
         }
         if (!hyp_free) {
