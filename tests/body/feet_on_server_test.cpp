@@ -40,6 +40,17 @@ const Hold holds[] = {
     {{-25, 12, 20, -45, 10, -6}, {-25, -12, 45, -80, 40, 6}},
 };
 
+// The foot's pose relative to the torso in a whole monitor scene. The torso's
+// mesh sits in an offset transform of its own.
+Eigen::Isometry3d foot_in_torso(const std::string& scene, int type, const char* foot) {
+    const std::size_t torso_at = scene.find("models/naobody" + std::to_string(type));
+    const std::size_t foot_at = scene.find(std::string("models/") + foot, torso_at);
+    if (torso_at == std::string::npos || foot_at == std::string::npos) {
+        throw std::runtime_error("no torso or foot in the monitor's scene");
+    }
+    return transform_above(scene, torso_at, 2).inverse() * transform_above(scene, foot_at, 1);
+}
+
 TEST(FeetOnServer, WhereTheModelPutsThemForEveryLegLength) {
     if (!sim::SimServer::installed()) {
         GTEST_SKIP() << "no simulation server installed";
@@ -82,27 +93,19 @@ TEST(FeetOnServer, WhereTheModelPutsThemForEveryLegLength) {
             }
             ASSERT_FALSE(scene.empty());
             read_angles(); // of the cycle the scene shows
-            // The torso's mesh sits in an offset transform of its own.
-            const std::size_t torso_at = scene.find("models/naobody" + std::to_string(type));
-            ASSERT_NE(torso_at, std::string::npos);
-            const Eigen::Isometry3d torso = transform_above(scene, torso_at, 2);
-            for (const body::Leg leg : {body::Leg::left, body::Leg::right}) {
-                const char* name = leg == body::Leg::left ? "lfoot" : "rfoot";
-                const std::size_t foot_at = scene.find(std::string("models/") + name, torso_at);
-                ASSERT_NE(foot_at, std::string::npos);
-                const Eigen::Isometry3d measured =
-                    torso.inverse() * transform_above(scene, foot_at, 1);
-                const Eigen::Isometry3d modelled = body::part_pose(model, name, angles);
+            for (const char* foot : {"lfoot", "rfoot"}) {
+                const Eigen::Isometry3d measured = foot_in_torso(scene, type, foot);
+                const Eigen::Isometry3d modelled = body::part_pose(model, foot, angles);
                 const double off = (measured.translation() - modelled.translation()).norm();
                 const double turn =
+                    robot::degrees_per_radian *
                     Eigen::AngleAxisd(measured.linear() * modelled.linear().transpose()).angle();
-                std::printf("type %d %s: %.1f mm, %.2f deg apart\n", type, name, off * 1000,
-                            turn * robot::degrees_per_radian);
+                std::printf("type %d %s: %.1f mm, %.2f deg apart\n", type, foot, off * 1000, turn);
                 // Mostly 0.1 mm; up to 5 mm where a short leg holds the
                 // robot up with its hip yaw-pitch turned (the server's joints
                 // give a little under load).
                 EXPECT_LT(off, 0.01);
-                EXPECT_LT(turn * robot::degrees_per_radian, 2.0);
+                EXPECT_LT(turn, 2.0);
             }
         }
     }
