@@ -20,7 +20,7 @@ p.add_argument("--noise", type=float, default=0.02)
 p.add_argument("--sleep", type=float, default=0.0)
 p.add_argument("--crash-on", default="-", help="trials whose id holds this crash")
 p.add_argument("--hang-on", default="-", help="trials whose id holds this hang")
-p.add_argument("--once-dir", help="crash or hang only on a trial's first attempt")
+p.add_argument("--once-dir", help="hang only on a trial's first attempt")
 p.add_argument("--server-pids", help="folder where a hanging trial's server writes its pid")
 args = p.parse_args()
 
@@ -40,7 +40,7 @@ def first_attempt():
     return True
 
 
-if args.crash_on in args.trial and first_attempt():
+if args.crash_on in args.trial:
     os.abort()
 if args.hang_on in args.trial and first_attempt():
     server = subprocess.Popen(["sleep", "600"])

@@ -2,6 +2,7 @@
 import argparse
 import math
 import os
+import shutil
 import signal
 import statistics
 import sys
@@ -46,7 +47,7 @@ def parser(here):
     s.add_argument("--seed", type=int, default=1)
     s.add_argument("--budget", type=int, default=MAX_TRIALS,
                    help=f"trials over all sessions (at most {MAX_TRIALS})")
-    s.add_argument("--generations", type=int, help="generations to run in this session")
+    s.add_argument("--generations", type=int, help="stop once the search has this many generations")
     s.add_argument("--bound-penalty", type=float, default=1.0,
                    help="score lost per squared range outside a parameter's bounds")
     s.add_argument("--slurm", action="store_true", help="run trials as Slurm job arrays")
@@ -85,9 +86,13 @@ def search(args):
                 "command": drill.command, "score": drill.terms}
     if args.slurm:
         from .slurm import SlurmArrays
-        executor = SlurmArrays(records.path("slurm"), args.sbatch_option, args.workers)
+        executor = SlurmArrays(records.path("slurm"), args.sbatch_option)
     else:
-        executor = LocalPool(args.workers)
+        # Trials of a search stopped by a kill leave their folders here.
+        work = records.path("work")
+        shutil.rmtree(work, ignore_errors=True)
+        os.makedirs(work)
+        executor = LocalPool(args.workers, work)
     out = args.out or records.path("best-params.json")
     finished = Search(drill, params, records, settings, executor, out).run(args.generations)
     print(f"best parameters in {out}")

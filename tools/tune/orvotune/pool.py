@@ -43,8 +43,9 @@ def finish(trial, drill, output, error, seconds, attempts):
 
 
 class LocalPool:
-    def __init__(self, workers):
+    def __init__(self, workers, work_root=None):
         self.workers = workers
+        self.work_root = work_root
         self.running = {}
         self.lock = threading.Lock()
 
@@ -67,7 +68,7 @@ class LocalPool:
         return result
 
     def run_once(self, trial, drill, tries):
-        work = tempfile.mkdtemp(prefix=f"orvo-trial-{trial['id']}-")
+        work = tempfile.mkdtemp(prefix=f"{trial['id']}-", dir=self.work_root)
         started = time.monotonic()
         try:
             output, error = self.execute(trial, drill, work)

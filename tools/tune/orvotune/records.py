@@ -5,6 +5,7 @@
                          from; once scored, their scores and the strategy after
   gen-NNNN.trials.jsonl  one line per finished trial, appended as trials finish
   gen-NNNN/              the candidates' parameter files while the generation runs
+  work/, slurm/          the running trials' own folders
   best.json              the best candidate so far
   progress.tsv           one line per generation, for plots
 """
@@ -56,16 +57,17 @@ class Records:
         path = self.path(f"gen-{g:04d}.trials.jsonl")
         try:
             with open(path) as f:
-                lines = f.read().splitlines()
+                text = f.read()
         except FileNotFoundError:
             return []
+        lines = text.splitlines()
         results = []
         for line in lines:
             try:
                 results.append(json.loads(line))
             except json.JSONDecodeError:
                 continue
-        if len(results) != len(lines) or (lines and not open(path).read().endswith("\n")):
+        if len(results) != len(lines) or (text and not text.endswith("\n")):
             with open(path, "w") as f:
                 f.writelines(json.dumps(r) + "\n" for r in results)
         return results

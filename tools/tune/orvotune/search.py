@@ -85,15 +85,14 @@ class Search:
         g, strategy = self.start()
         budget = self.settings["budget"]
         self.session = {"started": time.monotonic(), "trials": 0}
-        target = g + generations if generations is not None else None
-        while target is None or g < target:
+        while generations is None or g < generations:
             gen = self.records.generation(g) or self.new_generation(g, strategy)
             if gen is None:
                 print(f"budget spent: {self.records.trials_used()} of {budget} trials",
                       file=progress)
                 return False
             self.evaluate(g, gen, strategy)
-            self.report(g, progress, target)
+            self.report(g, progress, generations)
             g += 1
         return True
 
