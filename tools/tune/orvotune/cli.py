@@ -53,6 +53,9 @@ def parser(here):
     s.add_argument("--slurm", action="store_true", help="run trials as Slurm job arrays")
     s.add_argument("--sbatch-option", action="append", default=[],
                    help="passed to sbatch (repeat), e.g. --partition=tune")
+    c = sub.add_parser("local-cluster", help="start or stop a one-node Slurm cluster here")
+    c.add_argument("action", choices=("start", "stop"))
+    c.add_argument("folder", help="the cluster's private folder")
     r = sub.add_parser("repeat", help="run one parameter file's trial N times")
     common_options(r, here)
     r.add_argument("--trials", type=int, default=10)
@@ -122,11 +125,24 @@ def repeat(args):
     return 0
 
 
+def local_cluster(args):
+    from . import local_cluster as cluster
+    if args.action == "stop":
+        cluster.stop(args.folder)
+        return 0
+    reason = cluster.missing()
+    if reason:
+        raise SystemExit(f"cannot start a one-node cluster: {reason}")
+    cluster.start(args.folder)
+    print(f"export SLURM_CONF={cluster.conf_path(args.folder)}")
+    return 0
+
+
 def main(here):
     args = parser(here).parse_args()
     # A stop request unwinds normally, so running trials are stopped too.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     try:
-        return {"search": search, "repeat": repeat}[args.command](args)
+        return {"search": search, "repeat": repeat, "local-cluster": local_cluster}[args.command](args)
     except KeyboardInterrupt:
         return 130
