@@ -56,6 +56,9 @@ def parser(here):
     c = sub.add_parser("local-cluster", help="start or stop a one-node Slurm cluster here")
     c.add_argument("action", choices=("start", "stop"))
     c.add_argument("folder", help="the cluster's private folder")
+    g = sub.add_parser("plot", help="draw a search's progress from its records")
+    g.add_argument("records")
+    g.add_argument("--out", help="image file (default RECORDS/progress.svg)")
     r = sub.add_parser("repeat", help="run one parameter file's trial N times")
     common_options(r, here)
     r.add_argument("--trials", type=int, default=10)
@@ -138,11 +141,18 @@ def local_cluster(args):
     return 0
 
 
+def plot(args):
+    from .plot import plot as draw
+    draw(args.records, args.out or os.path.join(args.records, "progress.svg"))
+    return 0
+
+
 def main(here):
     args = parser(here).parse_args()
     # A stop request unwinds normally, so running trials are stopped too.
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     try:
-        return {"search": search, "repeat": repeat, "local-cluster": local_cluster}[args.command](args)
+        return {"search": search, "repeat": repeat, "local-cluster": local_cluster,
+                "plot": plot}[args.command](args)
     except KeyboardInterrupt:
         return 130
