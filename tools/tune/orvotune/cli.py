@@ -88,6 +88,7 @@ def search(args):
                 "population": args.population or 4 + int(3 * math.log(n)),
                 "sigma": args.sigma, "seed": args.seed,
                 "trials_per_candidate": args.trials_per_candidate, "start": params.normalised(),
+                "bounds": [list(b) for b in params.bounds()],
                 "budget": args.budget, "bound_penalty": args.bound_penalty,
                 "command": drill.command, "score": drill.terms}
     if args.slurm:
@@ -100,9 +101,9 @@ def search(args):
         os.makedirs(work)
         executor = LocalPool(args.workers, work)
     out = args.out or records.path("best-params.json")
-    finished = Search(drill, params, records, settings, executor, out).run(args.generations)
+    Search(drill, params, records, settings, executor, out).run(args.generations)
     print(f"best parameters in {out}")
-    return 0 if finished or args.generations is None else 1
+    return 0
 
 
 def repeat(args):

@@ -17,9 +17,10 @@ from .params import outside
 from .pool import Attempts
 
 # Settings a search keeps for its whole life: a resume with others would mix
-# two searches in one record.
-FIXED_SETTINGS = ("drill", "type", "names", "population", "sigma", "seed",
-                  "trials_per_candidate", "start")
+# two searches in one record. The file's values may change (the best is often
+# written back to it); the search resumes from its records, not from them.
+FIXED_SETTINGS = ("drill", "type", "names", "bounds", "population", "sigma", "seed",
+                  "trials_per_candidate")
 
 
 class Score(base.Fitness):
