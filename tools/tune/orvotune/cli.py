@@ -83,6 +83,7 @@ def search(args):
         raise SystemExit(f"--budget must lie in 1..{MAX_TRIALS}")
     folder = args.records or os.path.join("tune-records", args.drill, f"type{args.type}")
     records = Records(folder)
+    records.lock()
     n = len(params.names)
     settings = {"drill": args.drill, "type": args.type, "names": params.names,
                 "population": args.population or 4 + int(3 * math.log(n)),

@@ -7,8 +7,10 @@
   gen-NNNN/              the candidates' parameter files while the generation runs
   work/, slurm/          the running trials' own folders
   best.json              the best candidate so far
+  lock                   locked while a search runs
   progress.tsv           one line per generation, for plots
 """
+import fcntl
 import glob
 import json
 import os
@@ -21,6 +23,15 @@ class Records:
     def __init__(self, folder):
         self.folder = os.path.abspath(folder)
         os.makedirs(folder, exist_ok=True)
+
+    def lock(self):
+        """Held while a search runs: two at once would interleave their trials.
+        The kernel drops it when the process ends, however it ends."""
+        self.lock_file = open(self.path("lock"), "w")
+        try:
+            fcntl.flock(self.lock_file, fcntl.LOCK_EX | fcntl.LOCK_NB)
+        except BlockingIOError:
+            raise SystemExit(f"another orvo_tune is running the search in {self.folder}")
 
     def path(self, name):
         return os.path.join(self.folder, name)
