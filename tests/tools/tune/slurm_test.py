@@ -20,10 +20,12 @@ def search(env, work):
         json.dump({"a": {"value": 0.2, "min": 0, "max": 1},
                    "b": {"value": 0.5, "min": 0, "max": 1}}, f)
     drills = os.path.join(work, "drills.json")
+    # Candidate 2 always crashes; candidate 3 hangs on its first attempt only.
     command = ["/usr/bin/python3", os.path.join(HERE, "fake_drill.py"), "walk", "--params",
-               "{params}", "--seed", "{seed}", "--trial", "{trial}", "--crash-on", "c02"]
+               "{params}", "--seed", "{seed}", "--trial", "{trial}", "--crash-on", "c02",
+               "--hang-on", "c03", "--once-dir", work, "--server-pids", work]
     with open(drills, "w") as f:
-        json.dump({"walk": {"command": command, "failed_score": -5, "timeout": 60,
+        json.dump({"walk": {"command": command, "failed_score": -5, "timeout": 5,
                             "score": [{"key": "forward_mps", "weight": 1}]}}, f)
     records = os.path.join(work, "records")
     done = subprocess.run([os.path.join(TUNE, "orvo_tune"), "search", "walk", "--slurm",
@@ -36,9 +38,10 @@ def search(env, work):
         with open(os.path.join(records, f"gen-{g:04d}.trials.jsonl")) as f:
             trials = {t["id"]: t for t in map(json.loads, f)}
         assert len(trials) == 4, trials
-        # The crashing candidate was retried in a second array, then scored failed.
-        crashed = trials.pop(f"g{g:04d}c02r0")
+        # Both went out again in a second array: the crash failed again, the hang passed.
+        crashed, hung = trials.pop(f"g{g:04d}c02r0"), trials.pop(f"g{g:04d}c03r0")
         assert (crashed["ok"], crashed["attempts"], crashed["score"]) == (False, 2, -5), crashed
+        assert (hung["ok"], hung["attempts"]) == (True, 2), hung
         assert all(t["ok"] and t["attempts"] == 1 for t in trials.values()), trials
     assert os.listdir(os.path.join(records, "slurm")) == [], "array folders left behind"
 
