@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """orvo_tune through Slurm on a one-node cluster the test starts itself and stops
 by its pid files. Exits 77 (skipped) without Slurm, munge, DEAP or root."""
+import importlib.util
 import json
 import os
 import shutil
@@ -47,9 +48,7 @@ def search(env, work):
 
 
 def main():
-    try:
-        import deap  # noqa: F401
-    except ImportError:
+    if importlib.util.find_spec("deap") is None:
         print("skipped: orvo_tune needs DEAP; install python3-deap")
         sys.exit(77)
     reason = local_cluster.missing()

@@ -2,6 +2,7 @@
 """orvo_tune against the stand-in drill: a search killed at any point resumes and
 ends as an uninterrupted one does; a crashing or hanging trial costs that trial
 alone; the budget holds across sessions; drill output is scored as configured."""
+import importlib.util
 import json
 import os
 import shutil
@@ -147,9 +148,7 @@ class TuneTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    try:
-        import deap  # noqa: F401
-    except ImportError:
+    if importlib.util.find_spec("deap") is None:
         print("skipped: orvo_tune needs DEAP; install python3-deap")
         sys.exit(77)
     unittest.main()
