@@ -103,6 +103,10 @@ class Search:
         numpy.random.seed([self.settings["seed"], g])
         before = save_strategy(strategy)
         candidates = [list(map(float, c)) for c in strategy.generate(Candidate)]
+        if g == 0:
+            # The file as it stands is scored too: the best found is then never
+            # one worse than what the search started from.
+            candidates[0] = list(self.settings["start"])
         gen = {"generation": g, "before": before, "candidates": candidates}
         self.records.write_generation(g, gen)
         return gen
