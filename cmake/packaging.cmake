@@ -17,5 +17,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libboost-dev (>= 1.74), libgsl-dev, libeigen3-dev, pkg-config")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "cmake (>= 3.25), g++")
+# orvo_tune runs on DEAP; through Slurm with its client commands.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3-deap, slurm-client")
 
 include(CPack)
