@@ -1,0 +1,144 @@
+#include <orvo/world/localizer.h>
+
+#include "angles.h"
+#include "line_grid.h"
+
+#include <orvo/world/field.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo::world {
+
+Localizer::Localizer(const WorldParams& params, Method method, std::uint32_t seed)
+    : params_(params), method_(method), rng_(seed) {
+    const auto n = static_cast<std::size_t>(std::max(1, params.particles));
+    particles_.resize(method == Method::fit ? 1 : n);
+    drawn_.resize(particles_.size());
+    scratch_.resize(particles_.size());
+}
+
+void Localizer::reset(const Pose& around, double spread_m, double spread_deg) {
+    const double h = around.heading_deg * radians_per_degree;
+    const double w = 1.0 / static_cast<double>(particles_.size());
+    for (Particle& p : particles_)
+        p = {around.x + spread_m * gauss_(rng_), around.y + spread_m * gauss_(rng_),
+             h + spread_deg * radians_per_degree * gauss_(rng_), w};
+    if (method_ == Method::fit)
+        particles_[0] = {around.x, around.y, h, 1.0};
+    trend_slow_ = trend_fast_ = 0;
+    estimate_ = around;
+    estimate_.sigma_m = spread_m;
+    estimate_.sigma_deg = spread_deg;
+}
+
+void Localizer::predict(const Odometry& step) {
+    const double turn = step.dturn_deg * radians_per_degree;
+    const double xy_sigma =
+        params_.motion_xy_m + params_.odometry_xy_share * std::hypot(step.dx, step.dy);
+    const double turn_sigma =
+        (params_.motion_turn_deg + params_.odometry_turn_share * std::abs(step.dturn_deg)) *
+        radians_per_degree;
+    const bool noisy = method_ != Method::fit;
+    for (Particle& p : particles_) {
+        const double dx = step.dx + (noisy ? xy_sigma * gauss_(rng_) : 0.0);
+        const double dy = step.dy + (noisy ? xy_sigma * gauss_(rng_) : 0.0);
+        const double c = std::cos(p.heading);
+        const double s = std::sin(p.heading);
+        p.x += c * dx - s * dy;
+        p.y += s * dx + c * dy;
+        p.heading = wrap(p.heading + turn + (noisy ? turn_sigma * gauss_(rng_) : 0.0));
+    }
+    if (method_ == Method::fit) {
+        const Particle& p = particles_[0];
+        estimate_.x = p.x;
+        estimate_.y = p.y;
+        estimate_.heading_deg = p.heading / radians_per_degree;
+        estimate_.sigma_m += xy_sigma;
+        estimate_.sigma_deg += turn_sigma / radians_per_degree;
+    }
+}
+
+double Localizer::log_likelihood(const Particle& p, const Sightings& seen) const {
+    const double cap = params_.outlier_sigmas * params_.outlier_sigmas;
+    const double c = std::cos(p.heading);
+    const double s = std::sin(p.heading);
+    double sum = 0;
+    for (std::size_t i = 0; i < perception::landmark_count; ++i) {
+        const auto which = static_cast<perception::Landmark>(i);
+        if (!seen.sees(which))
+            continue;
+        const field::Point3 mark = field::landmark(which, side_);
+        const double vx = mark.x - p.x;
+        const double vy = mark.y - p.y;
+        const double ex = c * vx + s * vy; // the landmark as this guess would see it
+        const double ey = -s * vx + c * vy;
+        const GroundPoint& m = seen[which];
+        const double expected = std::hypot(ex, ey);
+        const double measured = std::hypot(m.x, m.y);
+        const double bearing = wrap(std::atan2(m.y, m.x) - std::atan2(ey, ex)) /
+                               (params_.bearing_sigma_deg * radians_per_degree);
+        const double range = (measured - expected) /
+                             (params_.distance_sigma_m + params_.distance_sigma_share * expected);
+        sum += std::min(cap, bearing * bearing) + std::min(cap, range * range);
+    }
+    const LineGrid& grid = line_grid();
+    for (std::size_t i = 0; i < seen.line_point_count; ++i) {
+        const GroundPoint& q = seen.line_points[i];
+        const double d =
+            grid.distance(p.x + c * q.x - s * q.y, p.y + s * q.x + c * q.y) / params_.line_sigma_m;
+        sum += std::min(cap, d * d);
+    }
+    return -0.5 * sum;
+}
+
+void Localizer::weigh(const Sightings& seen) {
+    const double observations =
+        static_cast<double>(2 * seen.landmark_count() + seen.line_point_count);
+    double best = -INFINITY;
+    for (std::size_t i = 0; i < particles_.size(); ++i) {
+        scratch_[i] = log_likelihood(particles_[i], seen);
+        best = std::max(best, scratch_[i]);
+    }
+    double total = 0;
+    double fit = 0; // how well the guesses explain the sighting, per observation
+    for (std::size_t i = 0; i < particles_.size(); ++i) {
+        fit += particles_[i].weight * std::exp(scratch_[i] / observations);
+        particles_[i].weight *= std::exp(scratch_[i] - best);
+        total += particles_[i].weight;
+    }
+    for (Particle& p : particles_)
+        p.weight = total > 0 ? p.weight / total : 1.0 / static_cast<double>(particles_.size());
+    trend_slow_ += params_.trend_slow * (fit - trend_slow_);
+    trend_fast_ += params_.trend_fast * (fit - trend_fast_);
+}
+
+void Localizer::correct(const Sightings& seen) {
+    if (seen.landmark_count() == 0 && seen.line_point_count == 0)
+        return;
+    if (method_ == Method::fit) {
+        Pose start = estimate_;
+        Pose fixed;
+        if (pose_from_landmarks(seen, side_, fixed) &&
+            std::hypot(fixed.x - start.x, fixed.y - start.y) > params_.cluster_m)
+            start = fixed;
+        estimate_ = fit_pose(start, seen, params_, side_);
+        particles_[0] = {estimate_.x, estimate_.y, estimate_.heading_deg * radians_per_degree, 1.0};
+        return;
+    }
+    weigh(seen);
+    double ess_inverse = 0;
+    for (const Particle& p : particles_)
+        ess_inverse += p.weight * p.weight;
+    const double ess = 1.0 / ess_inverse / static_cast<double>(particles_.size());
+    const double renew = trend_slow_ > 0
+                             ? std::clamp(1.0 - trend_fast_ / trend_slow_, 0.0, params_.reset_share)
+                             : 0.0;
+    if (ess < params_.resample_below || renew > 0)
+        resample(renew, seen);
+    summarise();
+    if (method_ == Method::particles_and_fit)
+        polish(seen);
+}
+
+} // namespace orvo::world
