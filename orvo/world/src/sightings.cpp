@@ -9,7 +9,7 @@ namespace {
 
 constexpr double radians_per_degree = M_PI / 180.0;
 /// A positive neck pitch angle lowers the camera's view.
-constexpr double pitch_down_sign = 1.0;
+constexpr double pitch_down_sign = -1.0;
 
 bool finite(const math::Polar& p) {
     return std::isfinite(p.distance) && std::isfinite(p.azimuth) && std::isfinite(p.elevation);

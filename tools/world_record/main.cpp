@@ -1,0 +1,119 @@
+// orvo_world_record: records what one robot perceives on a real server while
+// a trainer moves it from spot to spot and its head scans, with where it
+// truly stood beside every perception, for the world model's tests.
+#include "recording.h"
+#include "sim_robot.h"
+#include "sim_server.h"
+
+#include <orvo/net/comm_unit.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <string>
+
+namespace {
+
+struct Spot {
+    double x, y, heading_deg;
+    double neck_pitch_deg; ///< held while the neck yaw scans
+    bool scan = true;      ///< false: the head looks straight ahead
+};
+
+// Spots across the whole field, each at least 5 m from the one before, so
+// that every move is a kidnap the estimator has to notice.
+constexpr Spot spots[] = {
+    {-5, 0, 0, 0},
+    {-11, 6, 45, -20},
+    {-3, -6, 170, 0},
+    {6, 3, -90, 20},
+    {12, -7, 135, 0},
+    {2, 8, -30, -10},
+    {-8, -3, -150, 0},
+    {9, 0, 90, 0},
+    // Facing the side line with the head still: lines only, no landmark.
+    {0, 5, 90, -20},
+    {0, 5, 90, -20, false},
+};
+
+/// The trainer's own connection on the monitor port; whatever the monitor
+/// sends is read and dropped so that the server never waits on it.
+class Trainer {
+public:
+    explicit Trainer(int port) {
+        if (!link_.open_connection("127.0.0.1", static_cast<unsigned int>(port)))
+            throw std::runtime_error("cannot connect to the monitor port");
+    }
+    void say(const std::string& command) { link_.write_message(command); }
+    void drain() {
+        while (link_.receive_message(scratch_, std::chrono::milliseconds(0)) ==
+               orvo::net::Received::message) {
+        }
+    }
+
+private:
+    orvo::net::CommUnit link_;
+    std::string scratch_;
+};
+
+std::string place(const Spot& s) {
+    // The trainer's angle turns the torso from facing +y: heading 0 is -90.
+    char text[128];
+    std::snprintf(text, sizeof text, "(agent (unum 1) (team Left) (move %.2f %.2f 0.35 %.1f))", s.x,
+                  s.y, s.heading_deg - 90);
+    return text;
+}
+
+double neck_angle(const std::string& payload, const std::string& joint) {
+    const std::string key = "(HJ (n " + joint + ") (ax ";
+    const auto at = payload.find(key);
+    return at == std::string::npos ? 0.0 : std::atof(payload.c_str() + at + key.size());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 3) {
+        std::cerr << "usage: orvo_world_record TYPE OUT [SECONDS-PER-SPOT] [SEED]\n";
+        return 2;
+    }
+    const int type = std::stoi(argv[1]);
+    const double per_spot = argc > 3 ? std::stod(argv[3]) : 4.0;
+    std::mt19937 rng(argc > 4 ? static_cast<unsigned>(std::stoul(argv[4])) : 1u);
+    std::uniform_real_distribution<double> around(-2.5, 2.5);
+    std::ofstream out(argv[2]);
+    orvo::sim::SimServer server;
+    Trainer trainer(server.monitor_port());
+    orvo::sim::SimRobot robot("127.0.0.1", server.agent_port(), {type, 1, "orvo"});
+    robot.join();
+    robot.step("(beam -5 0 0)");
+    trainer.say("(playMode PlayOn)");
+    out << "# robot type " << type << ", " << per_spot << " s per spot, head scanning\n";
+    const int cycles = static_cast<int>(per_spot / 0.02);
+    for (const Spot& spot : spots) {
+        trainer.say(place(spot));
+        const double bx = spot.x + around(rng), by = spot.y + around(rng);
+        char ball[96];
+        std::snprintf(ball, sizeof ball, "(ball (pos %.2f %.2f 0.042))", bx, by);
+        trainer.say(ball);
+        out << "truth " << spot.x << ' ' << spot.y << ' ' << spot.heading_deg << "\nball " << bx
+            << ' ' << by << '\n';
+        for (int c = 0; c < cycles; ++c) {
+            // The neck sweeps about +-100 degrees every 4 s; the pitch is driven
+            // towards the spot's angle.
+            const double yaw_speed = spot.scan ? 2.6 * std::cos(2 * M_PI * c * 0.02 / 4.0)
+                                               : -0.1 * neck_angle(robot.last(), "hj1");
+            const double pitch_speed =
+                0.1 * (spot.neck_pitch_deg - neck_angle(robot.last(), "hj2"));
+            const std::string& got = robot.step("(he1 " + std::to_string(yaw_speed) + ")(he2 " +
+                                                std::to_string(pitch_speed) + ")");
+            trainer.drain();
+            if (got.find("(See") != std::string::npos && c > 10)
+                out << "see " << orvo::record::cut_down(got) << '\n';
+        }
+    }
+    return 0;
+}
