@@ -10,7 +10,9 @@
 
 namespace orvo::record {
 
-/// How far the world model was from the truth over a recording.
+/// How far the world model was from the truth over a recording. Position
+/// and heading errors leave out the first second after each move of the
+/// robot, which the recovery time covers.
 struct Scores {
     double position_median_m = 0;
     double position_p95_m = 0;
@@ -23,10 +25,17 @@ struct Scores {
     int frames = 0;
 };
 
+/// Harder conditions made from an easy recording.
+struct Handicap {
+    int max_landmarks = 8;   ///< landmarks beyond this many per sighting are hidden
+    double false_step_m = 0; ///< odometry claims this much forward per sighting that never happened
+    bool until_moved = false; ///< stop where the trainer first moves the robot
+};
+
 /// Replays `frames` through a world model with `params` and `method`, placed
 /// at the first frame's truth as a beam would.
 Scores replay(const std::vector<Frame>& frames, const world::WorldParams& params,
-              world::Method method, unsigned seed = 1);
+              world::Method method, const Handicap& handicap = {}, unsigned seed = 1);
 
 /// The value below which `share` of `values` lie (sorts them).
 double quantile(std::vector<double>& values, double share);

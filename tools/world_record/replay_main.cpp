@@ -17,13 +17,21 @@ int main(int argc, char** argv) {
         {"fit", orvo::world::Method::fit}};
     for (int i = 2; i < argc; ++i) {
         const auto frames = orvo::record::read_recording_file(argv[i]);
-        for (const auto& [name, method] : methods) {
-            const auto s = orvo::record::replay(frames, params, method);
-            std::printf("%s %-14s frames %4d moves %d  position median %.3f m p95 %.3f m  heading "
-                        "median %.2f deg  ball median %.3f m  worst recovery %.2f s\n",
-                        argv[i], name, s.frames, s.moves, s.position_median_m, s.position_p95_m,
-                        s.heading_median_deg, s.ball_median_m, s.recovery_worst_s);
-        }
+        const std::pair<const char*, orvo::record::Handicap> handicaps[] = {
+            {"as seen", {}},
+            {"1 landmark", {1, 0}},
+            {"lines only, first spot", {0, 0, true}},
+            {"false steps", {8, 0.01}},
+            {"1 landmark, false steps", {1, 0.01}}};
+        for (const auto& [hname, handicap] : handicaps)
+            for (const auto& [name, method] : methods) {
+                const auto s = orvo::record::replay(frames, params, method, handicap);
+                std::printf(
+                    "%s [%s] %-14s frames %4d moves %d  position median %.3f m p95 %.3f m  heading "
+                    "median %.2f deg  ball median %.3f m  worst recovery %.2f s\n",
+                    argv[i], hname, name, s.frames, s.moves, s.position_median_m, s.position_p95_m,
+                    s.heading_median_deg, s.ball_median_m, s.recovery_worst_s);
+            }
     }
     return 0;
 }

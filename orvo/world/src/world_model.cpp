@@ -69,7 +69,10 @@ void WorldModel::update_ball(double time, bool seen) {
         vv = decay * decay * vv + dt * dt * q;
         if (!seen)
             continue;
-        if (!ball_.known) {
+        // A ball far from where it should be was moved (by a kick, the
+        // referee, a trainer) or the pose has jumped: start it afresh.
+        const double jump = measured[axis] - *position[axis];
+        if (!ball_.known || jump * jump > 9 * (pp + r * r) + 1.0) {
             *position[axis] = measured[axis];
             *velocity[axis] = 0;
             pp = r * r;
