@@ -49,8 +49,14 @@ public:
     };
 
 private:
-    double log_likelihood(const Particle& p, const Sightings& seen) const;
+    /// Half the sum of squared errors in sigmas: of the landmarks, of the line points.
+    struct Misfit {
+        double landmarks = 0;
+        double lines = 0;
+    };
+    Misfit misfit(const Particle& p, const Sightings& seen) const;
     void weigh(const Sightings& seen);
+    bool disagrees_with_landmarks(const Sightings& seen) const;
     void resample(double renew_share, const Sightings& seen);
     bool draw_from_sightings(const Sightings& seen, Particle& out);
     void summarise();
@@ -65,8 +71,10 @@ private:
     std::vector<Particle> particles_;
     std::vector<Particle> drawn_;
     std::vector<double> scratch_;
+    std::vector<double> fits_;
     double trend_slow_ = 0;
     double trend_fast_ = 0;
+    double last_fit_ = 1;
     Pose estimate_;
 };
 

@@ -29,6 +29,9 @@ struct ORVO_API WorldParams {
     double trend_slow = 0;
     double trend_fast = 0;
     double reset_share = 0;
+    /// Below this fit per observation (1: perfect) the filter counts as lost
+    /// and renews `reset_share` of its guesses at every sighting.
+    double lost_below = 0;
     /// Particles within this distance and turn of the best one form the estimate.
     double cluster_m = 0;
     double cluster_deg = 0;

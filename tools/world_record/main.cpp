@@ -4,8 +4,7 @@
 #include "recording.h"
 #include "sim_robot.h"
 #include "sim_server.h"
-
-#include <orvo/net/comm_unit.h>
+#include "trainer.h"
 
 #include <cmath>
 #include <cstdio>
@@ -39,34 +38,6 @@ constexpr Spot spots[] = {
     {0, 5, 90, -20, false},
 };
 
-/// The trainer's own connection on the monitor port; whatever the monitor
-/// sends is read and dropped so that the server never waits on it.
-class Trainer {
-public:
-    explicit Trainer(int port) {
-        if (!link_.open_connection("127.0.0.1", static_cast<unsigned int>(port)))
-            throw std::runtime_error("cannot connect to the monitor port");
-    }
-    void say(const std::string& command) { link_.write_message(command); }
-    void drain() {
-        while (link_.receive_message(scratch_, std::chrono::milliseconds(0)) ==
-               orvo::net::Received::message) {
-        }
-    }
-
-private:
-    orvo::net::CommUnit link_;
-    std::string scratch_;
-};
-
-std::string place(const Spot& s) {
-    // The trainer's angle turns the torso from facing +y: heading 0 is -90.
-    char text[128];
-    std::snprintf(text, sizeof text, "(agent (unum 1) (team Left) (move %.2f %.2f 0.35 %.1f))", s.x,
-                  s.y, s.heading_deg - 90);
-    return text;
-}
-
 double neck_angle(const std::string& payload, const std::string& joint) {
     const std::string key = "(HJ (n " + joint + ") (ax ";
     const auto at = payload.find(key);
@@ -86,7 +57,7 @@ int main(int argc, char** argv) {
     std::uniform_real_distribution<double> around(-2.5, 2.5);
     std::ofstream out(argv[2]);
     orvo::sim::SimServer server;
-    Trainer trainer(server.monitor_port());
+    orvo::record::Trainer trainer(server.monitor_port());
     orvo::sim::SimRobot robot("127.0.0.1", server.agent_port(), {type, 1, "orvo"});
     robot.join();
     robot.step("(beam -5 0 0)");
@@ -94,7 +65,7 @@ int main(int argc, char** argv) {
     out << "# robot type " << type << ", " << per_spot << " s per spot, head scanning\n";
     const int cycles = static_cast<int>(per_spot / 0.02);
     for (const Spot& spot : spots) {
-        trainer.say(place(spot));
+        trainer.place(spot.x, spot.y, spot.heading_deg);
         const double bx = spot.x + around(rng), by = spot.y + around(rng);
         char ball[96];
         std::snprintf(ball, sizeof ball, "(ball (pos %.2f %.2f 0.042))", bx, by);

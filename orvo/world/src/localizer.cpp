@@ -16,6 +16,7 @@ Localizer::Localizer(const WorldParams& params, Method method, std::uint32_t see
     particles_.resize(method == Method::fit ? 1 : n);
     drawn_.resize(particles_.size());
     scratch_.resize(particles_.size());
+    fits_.resize(particles_.size());
 }
 
 void Localizer::reset(const Pose& around, double spread_m, double spread_deg) {
@@ -59,11 +60,11 @@ void Localizer::predict(const Odometry& step) {
     }
 }
 
-double Localizer::log_likelihood(const Particle& p, const Sightings& seen) const {
+Localizer::Misfit Localizer::misfit(const Particle& p, const Sightings& seen) const {
     const double cap = params_.outlier_sigmas * params_.outlier_sigmas;
     const double c = std::cos(p.heading);
     const double s = std::sin(p.heading);
-    double sum = 0;
+    Misfit out;
     for (std::size_t i = 0; i < perception::landmark_count; ++i) {
         const auto which = static_cast<perception::Landmark>(i);
         if (!seen.sees(which))
@@ -80,16 +81,16 @@ double Localizer::log_likelihood(const Particle& p, const Sightings& seen) const
                                (params_.bearing_sigma_deg * radians_per_degree);
         const double range = (measured - expected) /
                              (params_.distance_sigma_m + params_.distance_sigma_share * expected);
-        sum += std::min(cap, bearing * bearing) + std::min(cap, range * range);
+        out.landmarks += 0.5 * (std::min(cap, bearing * bearing) + std::min(cap, range * range));
     }
     const LineGrid& grid = line_grid();
     for (std::size_t i = 0; i < seen.line_point_count; ++i) {
         const GroundPoint& q = seen.line_points[i];
         const double d =
             grid.distance(p.x + c * q.x - s * q.y, p.y + s * q.x + c * q.y) / params_.line_sigma_m;
-        sum += std::min(cap, d * d);
+        out.lines += 0.5 * std::min(cap, d * d);
     }
-    return -0.5 * sum;
+    return out;
 }
 
 void Localizer::weigh(const Sightings& seen) {
@@ -97,13 +98,15 @@ void Localizer::weigh(const Sightings& seen) {
         static_cast<double>(2 * seen.landmark_count() + seen.line_point_count);
     double best = -INFINITY;
     for (std::size_t i = 0; i < particles_.size(); ++i) {
-        scratch_[i] = log_likelihood(particles_[i], seen);
+        const Misfit m = misfit(particles_[i], seen);
+        fits_[i] = (m.landmarks + m.lines) / observations;
+        scratch_[i] = -(m.landmarks + m.lines);
         best = std::max(best, scratch_[i]);
     }
     double total = 0;
     double fit = 0; // how well the guesses explain the sighting, per observation
     for (std::size_t i = 0; i < particles_.size(); ++i) {
-        fit += particles_[i].weight * std::exp(scratch_[i] / observations);
+        fit += particles_[i].weight * std::exp(-fits_[i]);
         particles_[i].weight *= std::exp(scratch_[i] - best);
         total += particles_[i].weight;
     }
@@ -111,6 +114,19 @@ void Localizer::weigh(const Sightings& seen) {
         p.weight = total > 0 ? p.weight / total : 1.0 / static_cast<double>(particles_.size());
     trend_slow_ += params_.trend_slow * (fit - trend_slow_);
     trend_fast_ += params_.trend_fast * (fit - trend_fast_);
+    last_fit_ = fit;
+}
+
+bool Localizer::disagrees_with_landmarks(const Sightings& seen) const {
+    // Two named landmarks fix the pose on their own, and they tell the
+    // halves of the field apart where lines cannot: when the estimate is far
+    // from where they put the robot, it was moved or the filter went astray
+    // on lines and a single landmark.
+    Pose fixed;
+    if (!pose_from_landmarks(seen, side_, fixed))
+        return false;
+    return std::hypot(fixed.x - estimate_.x, fixed.y - estimate_.y) > params_.cluster_m ||
+           std::abs(wrap_deg(fixed.heading_deg - estimate_.heading_deg)) > params_.cluster_deg;
 }
 
 void Localizer::correct(const Sightings& seen) {
@@ -131,9 +147,13 @@ void Localizer::correct(const Sightings& seen) {
     for (const Particle& p : particles_)
         ess_inverse += p.weight * p.weight;
     const double ess = 1.0 / ess_inverse / static_cast<double>(particles_.size());
-    const double renew = trend_slow_ > 0
-                             ? std::clamp(1.0 - trend_fast_ / trend_slow_, 0.0, params_.reset_share)
-                             : 0.0;
+    // Renew some guesses when the fit has dropped against its long-term trend
+    // (moved by someone) or is hopeless whatever the trend (a wrong start).
+    double renew = trend_slow_ > 0
+                       ? std::clamp(1.0 - trend_fast_ / trend_slow_, 0.0, params_.reset_share)
+                       : 0.0;
+    if (last_fit_ < params_.lost_below || disagrees_with_landmarks(seen))
+        renew = params_.reset_share;
     if (ess < params_.resample_below || renew > 0)
         resample(renew, seen);
     summarise();

@@ -59,6 +59,7 @@ WorldParams WorldParams::load(const std::string& path) {
     r("trend_slow", p.trend_slow);
     r("trend_fast", p.trend_fast);
     r("reset_share", p.reset_share);
+    r("lost_below", p.lost_below);
     r("cluster_m", p.cluster_m);
     r("cluster_deg", p.cluster_deg);
     r("odometry_xy_share", p.odometry_xy_share);
