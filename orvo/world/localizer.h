@@ -55,6 +55,7 @@ private:
         double lines = 0;
     };
     Misfit misfit(const Particle& p, const Sightings& seen) const;
+    void move_particles();
     void weigh(const Sightings& seen);
     bool disagrees_with_landmarks(const Sightings& seen) const;
     void resample(double renew_share, const Sightings& seen);
@@ -75,6 +76,8 @@ private:
     double trend_slow_ = 0;
     double trend_fast_ = 0;
     double last_fit_ = 1;
+    Particle pending_{0, 0, 0, 0}; ///< the steps since the last sighting
+    int pending_cycles_ = 0;
     Pose estimate_;
 };
 

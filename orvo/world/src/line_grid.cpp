@@ -19,7 +19,7 @@ double LineGrid::distance(double x, double y) const {
     const double gy = (y - y0) / step;
     const double cx = std::clamp(gx, 0.0, nx - 1.0001);
     const double cy = std::clamp(gy, 0.0, ny - 1.0001);
-    const double outside = std::hypot(gx - cx, gy - cy) * step;
+    const double outside = (gx == cx && gy == cy) ? 0.0 : std::hypot(gx - cx, gy - cy) * step;
     const int i = static_cast<int>(cx);
     const int j = static_cast<int>(cy);
     const double fx = cx - i;

@@ -28,36 +28,53 @@ void Localizer::reset(const Pose& around, double spread_m, double spread_deg) {
     if (method_ == Method::fit)
         particles_[0] = {around.x, around.y, h, 1.0};
     trend_slow_ = trend_fast_ = 0;
+    pending_ = {0, 0, 0, 0};
+    pending_cycles_ = 0;
     estimate_ = around;
     estimate_.sigma_m = spread_m;
     estimate_.sigma_deg = spread_deg;
 }
 
 void Localizer::predict(const Odometry& step) {
+    // The estimate follows every cycle; the particles take the steps summed
+    // up at the next sighting, which spares moving them on the two cycles of
+    // three that bring nothing to weigh them by.
     const double turn = step.dturn_deg * radians_per_degree;
-    const double xy_sigma =
+    double c = std::cos(pending_.heading);
+    double s = std::sin(pending_.heading);
+    pending_.x += c * step.dx - s * step.dy;
+    pending_.y += s * step.dx + c * step.dy;
+    pending_.heading += turn;
+    ++pending_cycles_;
+    const double heading = estimate_.heading_deg * radians_per_degree;
+    c = std::cos(heading);
+    s = std::sin(heading);
+    estimate_.x += c * step.dx - s * step.dy;
+    estimate_.y += s * step.dx + c * step.dy;
+    estimate_.heading_deg = wrap(heading + turn) / radians_per_degree;
+    estimate_.sigma_m +=
         params_.motion_xy_m + params_.odometry_xy_share * std::hypot(step.dx, step.dy);
-    const double turn_sigma =
-        (params_.motion_turn_deg + params_.odometry_turn_share * std::abs(step.dturn_deg)) *
-        radians_per_degree;
-    const bool noisy = method_ != Method::fit;
+    estimate_.sigma_deg +=
+        params_.motion_turn_deg + params_.odometry_turn_share * std::abs(step.dturn_deg);
+}
+
+void Localizer::move_particles() {
+    const double cycles = static_cast<double>(pending_cycles_);
+    const double xy_sigma = params_.motion_xy_m * cycles +
+                            params_.odometry_xy_share * std::hypot(pending_.x, pending_.y);
+    const double turn_sigma = (params_.motion_turn_deg * cycles) * radians_per_degree +
+                              params_.odometry_turn_share * std::abs(pending_.heading);
     for (Particle& p : particles_) {
-        const double dx = step.dx + (noisy ? xy_sigma * gauss_(rng_) : 0.0);
-        const double dy = step.dy + (noisy ? xy_sigma * gauss_(rng_) : 0.0);
+        const double dx = pending_.x + xy_sigma * gauss_(rng_);
+        const double dy = pending_.y + xy_sigma * gauss_(rng_);
         const double c = std::cos(p.heading);
         const double s = std::sin(p.heading);
         p.x += c * dx - s * dy;
         p.y += s * dx + c * dy;
-        p.heading = wrap(p.heading + turn + (noisy ? turn_sigma * gauss_(rng_) : 0.0));
+        p.heading = wrap(p.heading + pending_.heading + turn_sigma * gauss_(rng_));
     }
-    if (method_ == Method::fit) {
-        const Particle& p = particles_[0];
-        estimate_.x = p.x;
-        estimate_.y = p.y;
-        estimate_.heading_deg = p.heading / radians_per_degree;
-        estimate_.sigma_m += xy_sigma;
-        estimate_.sigma_deg += turn_sigma / radians_per_degree;
-    }
+    pending_ = {0, 0, 0, 0};
+    pending_cycles_ = 0;
 }
 
 Localizer::Misfit Localizer::misfit(const Particle& p, const Sightings& seen) const {
@@ -75,9 +92,10 @@ Localizer::Misfit Localizer::misfit(const Particle& p, const Sightings& seen) co
         const double ex = c * vx + s * vy; // the landmark as this guess would see it
         const double ey = -s * vx + c * vy;
         const GroundPoint& m = seen[which];
-        const double expected = std::hypot(ex, ey);
-        const double measured = std::hypot(m.x, m.y);
-        const double bearing = wrap(std::atan2(m.y, m.x) - std::atan2(ey, ex)) /
+        const double expected = std::sqrt(ex * ex + ey * ey);
+        const double measured = std::sqrt(m.x * m.x + m.y * m.y);
+        // The angle from where the guess expects it to where it was seen.
+        const double bearing = std::atan2(ex * m.y - ey * m.x, ex * m.x + ey * m.y) /
                                (params_.bearing_sigma_deg * radians_per_degree);
         const double range = (measured - expected) /
                              (params_.distance_sigma_m + params_.distance_sigma_share * expected);
@@ -133,6 +151,8 @@ void Localizer::correct(const Sightings& seen) {
     if (seen.landmark_count() == 0 && seen.line_point_count == 0)
         return;
     if (method_ == Method::fit) {
+        pending_ = {0, 0, 0, 0};
+        pending_cycles_ = 0;
         Pose start = estimate_;
         Pose fixed;
         if (pose_from_landmarks(seen, side_, fixed) &&
@@ -142,6 +162,7 @@ void Localizer::correct(const Sightings& seen) {
         particles_[0] = {estimate_.x, estimate_.y, estimate_.heading_deg * radians_per_degree, 1.0};
         return;
     }
+    move_particles();
     weigh(seen);
     double ess_inverse = 0;
     for (const Particle& p : particles_)
