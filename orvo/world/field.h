@@ -3,6 +3,7 @@
 
 #include <orvo/core/export.h>
 #include <orvo/perception/perception.h>
+#include <orvo/protocol/constants.h>
 
 #include <array>
 #include <cstddef>
@@ -13,11 +14,11 @@ namespace orvo::world::field {
 // position here is in the left team's frame: own goal at x = -15, y to the
 // left of a robot that faces the opponent's goal. A right-side robot's frame
 // is this one turned by 180 degrees (landmark() does that).
-constexpr double length = 30.0;
-constexpr double width = 20.0;
+constexpr double length = protocol::field_length;
+constexpr double width = protocol::field_width;
 constexpr double half_length = length / 2;
 constexpr double half_width = width / 2;
-constexpr double goal_width = 2.1;
+constexpr double goal_width = protocol::goal_width;
 constexpr double goal_height = 0.8;
 /// The goal markers the robot sees sit half way up the posts.
 constexpr double goal_marker_height = goal_height / 2;
