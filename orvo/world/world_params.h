@@ -2,18 +2,13 @@
 #define ORVO_WORLD_WORLD_PARAMS_H
 
 #include <orvo/core/export.h>
+#include <orvo/world/param_file.h>
 
-#include <stdexcept>
 #include <string>
 
 namespace orvo::world {
 
-/// A parameter file is missing, malformed, lacks an entry or holds a value
-/// outside the entry's own bounds.
-class ORVO_API WorldParamsError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+using WorldParamsError = ParamFileError;
 
 /// How the world model weighs what the robot sees and does. Every entry is
 /// read from a JSON file per robot type ("params/world/typeN.json") that gives

@@ -1,59 +1,13 @@
 #include <orvo/world/world_params.h>
 
-#include <nlohmann/json.hpp>
-
-#include <fstream>
-#include <set>
+#include <orvo/world/param_file.h>
 
 namespace orvo::world {
 
-namespace {
-
-class Reader {
-public:
-    Reader(const nlohmann::json& doc, const std::string& path) : doc_(doc), path_(path) {}
-
-    template <typename T> void operator()(const char* key, T& out) {
-        seen_.insert(key);
-        if (!doc_.contains(key))
-            fail(std::string("no entry \"") + key + "\"");
-        const nlohmann::json& entry = doc_[key];
-        if (!entry.is_object() || !entry.contains("value") || !entry.contains("min") ||
-            !entry.contains("max") || !entry["value"].is_number() || !entry["min"].is_number() ||
-            !entry["max"].is_number())
-            fail(std::string("\"") + key + "\" needs numbers value, min and max");
-        const double value = entry["value"].get<double>();
-        if (value < entry["min"].get<double>() || value > entry["max"].get<double>())
-            fail(std::string("\"") + key + "\" is outside its min and max");
-        out = static_cast<T>(value);
-    }
-
-    void check_no_others() const {
-        for (auto it = doc_.begin(); it != doc_.end(); ++it)
-            if (!seen_.count(it.key()))
-                fail("unknown entry \"" + it.key() + "\"");
-    }
-
-private:
-    [[noreturn]] void fail(const std::string& what) const {
-        throw WorldParamsError(path_ + ": " + what);
-    }
-    const nlohmann::json& doc_;
-    std::string path_;
-    std::set<std::string> seen_;
-};
-
-} // namespace
-
 WorldParams WorldParams::load(const std::string& path) {
-    std::ifstream in(path);
-    if (!in)
-        throw WorldParamsError(path + ": cannot be read");
-    const nlohmann::json doc = nlohmann::json::parse(in, nullptr, false);
-    if (doc.is_discarded() || !doc.is_object())
-        throw WorldParamsError(path + ": not a JSON object");
     WorldParams p;
-    Reader r(doc, path);
+    ParamFile file(path);
+    auto r = [&file](const char* key, auto& out) { file.read(key, out); };
     r("particles", p.particles);
     r("resample_below", p.resample_below);
     r("trend_slow", p.trend_slow);
@@ -79,7 +33,7 @@ WorldParams WorldParams::load(const std::string& path) {
     r("ball_position_sigma_share", p.ball_position_sigma_share);
     r("ball_acceleration_sigma", p.ball_acceleration_sigma);
     r("ball_velocity_decay_per_s", p.ball_velocity_decay_per_s);
-    r.check_no_others();
+    file.check_no_others();
     return p;
 }
 
