@@ -51,14 +51,17 @@ ORVO_API Point3 landmark(perception::Landmark which,
 /// it is the same in both teams' frames.
 ORVO_API const std::array<Segment, segment_count>& segments();
 
-/// Distance from (x, y) to the nearest painted line, and that line's nearest
-/// point.
+/// Distance from (x, y) to the nearest painted line, that line's nearest
+/// point and its index in segments().
 struct Nearest {
     double distance;
     double x;
     double y;
+    std::size_t segment;
 };
 ORVO_API Nearest nearest_line(double x, double y);
+/// The same for one given segment.
+ORVO_API Nearest nearest_on(std::size_t segment, double x, double y);
 
 } // namespace orvo::world::field
 

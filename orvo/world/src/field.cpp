@@ -79,18 +79,23 @@ const std::array<Segment, segment_count>& segments() {
     return all;
 }
 
+Nearest nearest_on(std::size_t segment, double x, double y) {
+    const Segment& s = segments()[segment];
+    const double dx = s.x2 - s.x1;
+    const double dy = s.y2 - s.y1;
+    double t = ((x - s.x1) * dx + (y - s.y1) * dy) / (dx * dx + dy * dy);
+    t = t < 0 ? 0 : (t > 1 ? 1 : t);
+    const double cx = s.x1 + t * dx;
+    const double cy = s.y1 + t * dy;
+    return {std::hypot(x - cx, y - cy), cx, cy, segment};
+}
+
 Nearest nearest_line(double x, double y) {
-    Nearest best{std::numeric_limits<double>::infinity(), 0, 0};
-    for (const Segment& s : segments()) {
-        const double dx = s.x2 - s.x1;
-        const double dy = s.y2 - s.y1;
-        double t = ((x - s.x1) * dx + (y - s.y1) * dy) / (dx * dx + dy * dy);
-        t = t < 0 ? 0 : (t > 1 ? 1 : t);
-        const double cx = s.x1 + t * dx;
-        const double cy = s.y1 + t * dy;
-        const double d = std::hypot(x - cx, y - cy);
-        if (d < best.distance)
-            best = {d, cx, cy};
+    Nearest best{std::numeric_limits<double>::infinity(), 0, 0, 0};
+    for (std::size_t i = 0; i < segment_count; ++i) {
+        const Nearest near = nearest_on(i, x, y);
+        if (near.distance < best.distance)
+            best = near;
     }
     return best;
 }
