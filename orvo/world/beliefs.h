@@ -2,6 +2,7 @@
 #define ORVO_WORLD_BELIEFS_H
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 namespace orvo::world {
@@ -24,6 +25,18 @@ struct Odometry {
     double dy = 0;
     double dturn_deg = 0;
 };
+
+/// The step between two readings of an odometry that sums up where the robot
+/// went since some start (metres forward and left of it, degrees turned left),
+/// in the robot's frame at the first reading.
+inline Odometry step_between(double x0, double y0, double heading0_deg, double x1, double y1,
+                             double heading1_deg) {
+    const double h = heading0_deg * 0.017453292519943295;
+    const double dx = x1 - x0;
+    const double dy = y1 - y0;
+    return {std::cos(h) * dx + std::sin(h) * dy, -std::sin(h) * dx + std::cos(h) * dy,
+            std::remainder(heading1_deg - heading0_deg, 360.0)};
+}
 
 struct BallBelief {
     bool known = false; ///< seen at least once

@@ -132,6 +132,14 @@ TEST_P(Geometry, ParticlesFindTheRobotFromAWrongStartBySeeingLandmarks) {
 
 INSTANTIATE_TEST_SUITE_P(World, Geometry, testing::ValuesIn(pose_cases));
 
+TEST(Odometry, StepBetweenReadingsIsInTheFrameOfTheFirst) {
+    // Facing +y at (1, 1), then 0.3 m further along +y and turned to face -x.
+    const orvo::world::Odometry step = orvo::world::step_between(1, 1, 90, 1, 1.3, -179);
+    EXPECT_NEAR(step.dx, 0.3, 1e-9);
+    EXPECT_NEAR(step.dy, 0, 1e-9);
+    EXPECT_NEAR(step.dturn_deg, 91, 1e-9);
+}
+
 TEST(Sightings, ValuesThatAreNotNumbersAreLeftOut) {
     orvo::perception::Vision vision;
     vision.landmarks[0] = {NAN, 10, 0};
