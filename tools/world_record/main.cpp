@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <ostream>
 #include <random>
 #include <string>
 
@@ -42,6 +43,38 @@ double neck_angle(const std::string& payload, const std::string& joint) {
     const std::string key = "(HJ (n " + joint + ") (ax ";
     const auto at = payload.find(key);
     return at == std::string::npos ? 0.0 : std::atof(payload.c_str() + at + key.size());
+}
+
+/// Carries the robot by the trainer along a quarter circle of 3 m radius at
+/// 0.4 m/s, its head scanning, writing the odometry a walk would report (10 %
+/// long, as a walk's often are) beside the truth.
+void glide(orvo::sim::SimRobot& robot, orvo::record::Trainer& trainer, std::ostream& out) {
+    const double radius = 3, speed = 0.4, cx = -3, cy = 0;
+    const double turn = speed / radius; // rad/s, counter-clockwise
+    double angle = -M_PI / 2;
+    trainer.place(cx, cy - radius, 0);
+    for (int c = 0; c < 10; ++c)
+        robot.step();
+    double dx = 0, dturn = 0;
+    for (int c = 0; c < 500; ++c) {
+        angle += turn * 0.02;
+        const double x = cx + radius * std::cos(angle), y = cy + radius * std::sin(angle);
+        const double heading = (angle + M_PI / 2) * 180 / M_PI;
+        trainer.place(x, y, heading);
+        dx += 1.1 * speed * 0.02;
+        dturn += turn * 0.02 * 180 / M_PI;
+        const double yaw_speed = 2.6 * std::cos(2 * M_PI * c * 0.02 / 4.0);
+        const std::string& got = robot.step("(he1 " + std::to_string(yaw_speed) + ")");
+        trainer.drain();
+        if (got.find("(See") == std::string::npos)
+            continue;
+        // The robot stands where the trainer put it one cycle before.
+        const double px = cx + radius * std::cos(angle - turn * 0.02);
+        const double py = cy + radius * std::sin(angle - turn * 0.02);
+        out << "truth " << px << ' ' << py << ' ' << heading - turn * 0.02 * 180 / M_PI << "\nstep "
+            << dx << " 0 " << dturn << "\nsee " << orvo::record::cut_down(got) << '\n';
+        dx = dturn = 0;
+    }
 }
 
 } // namespace
@@ -86,5 +119,6 @@ int main(int argc, char** argv) {
                 out << "see " << orvo::record::cut_down(got) << '\n';
         }
     }
+    glide(robot, trainer, out);
     return 0;
 }
