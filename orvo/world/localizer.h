@@ -7,6 +7,7 @@
 #include <orvo/world/sightings.h>
 #include <orvo/world/world_params.h>
 
+#include <array>
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -32,7 +33,7 @@ public:
     explicit Localizer(const WorldParams& params, Method method = Method::particles_and_fit,
                        std::uint32_t seed = 1);
 
-    void set_side(perception::Side side) { side_ = side; }
+    void set_side(perception::Side side);
     /// Starts again around a known pose (a beam, a placement).
     void reset(const Pose& around, double spread_m, double spread_deg);
     /// Moves every guess by what the robot did.
@@ -66,7 +67,10 @@ private:
     WorldParams params_;
     Method method_;
     perception::Side side_ = perception::Side::left;
-    std::mt19937 rng_;
+    /// A small fast generator: the filter draws a thousand numbers a sighting.
+    std::minstd_rand rng_;
+    /// Where each landmark stands for the side played on.
+    std::array<double, 2 * perception::landmark_count> marks_{};
     std::normal_distribution<double> gauss_{0.0, 1.0};
     std::uniform_real_distribution<double> uniform_{0.0, 1.0};
     std::vector<Particle> particles_;

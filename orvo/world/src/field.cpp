@@ -79,25 +79,42 @@ const std::array<Segment, segment_count>& segments() {
     return all;
 }
 
-Nearest nearest_on(std::size_t segment, double x, double y) {
-    const Segment& s = segments()[segment];
+namespace {
+
+/// The nearest point of `s` to (x, y) and its squared distance.
+double squared_to(const Segment& s, double x, double y, double& cx, double& cy) {
     const double dx = s.x2 - s.x1;
     const double dy = s.y2 - s.y1;
     double t = ((x - s.x1) * dx + (y - s.y1) * dy) / (dx * dx + dy * dy);
     t = t < 0 ? 0 : (t > 1 ? 1 : t);
-    const double cx = s.x1 + t * dx;
-    const double cy = s.y1 + t * dy;
-    return {std::hypot(x - cx, y - cy), cx, cy, segment};
+    cx = s.x1 + t * dx;
+    cy = s.y1 + t * dy;
+    return (x - cx) * (x - cx) + (y - cy) * (y - cy);
+}
+
+} // namespace
+
+Nearest nearest_on(std::size_t segment, double x, double y) {
+    double cx = 0, cy = 0;
+    const double squared = squared_to(segments()[segment], x, y, cx, cy);
+    return {std::sqrt(squared), cx, cy, segment};
 }
 
 Nearest nearest_line(double x, double y) {
-    Nearest best{std::numeric_limits<double>::infinity(), 0, 0, 0};
+    const auto& all = segments();
+    double best = std::numeric_limits<double>::infinity(), bx = 0, by = 0;
+    std::size_t which = 0;
     for (std::size_t i = 0; i < segment_count; ++i) {
-        const Nearest near = nearest_on(i, x, y);
-        if (near.distance < best.distance)
-            best = near;
+        double cx = 0, cy = 0;
+        const double squared = squared_to(all[i], x, y, cx, cy);
+        if (squared < best) {
+            best = squared;
+            bx = cx;
+            by = cy;
+            which = i;
+        }
     }
-    return best;
+    return {std::sqrt(best), bx, by, which};
 }
 
 } // namespace orvo::world::field

@@ -12,11 +12,21 @@ namespace orvo::world {
 
 Localizer::Localizer(const WorldParams& params, Method method, std::uint32_t seed)
     : params_(params), method_(method), rng_(seed) {
+    set_side(side_);
     const auto n = static_cast<std::size_t>(std::max(1, params.particles));
     particles_.resize(method == Method::fit ? 1 : n);
     drawn_.resize(particles_.size());
     scratch_.resize(particles_.size());
     fits_.resize(particles_.size());
+}
+
+void Localizer::set_side(perception::Side side) {
+    side_ = side;
+    for (std::size_t i = 0; i < perception::landmark_count; ++i) {
+        const field::Point3 mark = field::landmark(static_cast<perception::Landmark>(i), side);
+        marks_[2 * i] = mark.x;
+        marks_[2 * i + 1] = mark.y;
+    }
 }
 
 void Localizer::reset(const Pose& around, double spread_m, double spread_deg) {
@@ -86,16 +96,15 @@ Localizer::Misfit Localizer::misfit(const Particle& p, const Sightings& seen) co
         const auto which = static_cast<perception::Landmark>(i);
         if (!seen.sees(which))
             continue;
-        const field::Point3 mark = field::landmark(which, side_);
-        const double vx = mark.x - p.x;
-        const double vy = mark.y - p.y;
+        const double vx = marks_[2 * i] - p.x;
+        const double vy = marks_[2 * i + 1] - p.y;
         const double ex = c * vx + s * vy; // the landmark as this guess would see it
         const double ey = -s * vx + c * vy;
         const GroundPoint& m = seen[which];
         const double expected = std::sqrt(ex * ex + ey * ey);
         const double measured = std::sqrt(m.x * m.x + m.y * m.y);
         // The angle from where the guess expects it to where it was seen.
-        const double bearing = std::atan2(ex * m.y - ey * m.x, ex * m.x + ey * m.y) /
+        const double bearing = fast_atan2(ex * m.y - ey * m.x, ex * m.x + ey * m.y) /
                                (params_.bearing_sigma_deg * radians_per_degree);
         const double range = (measured - expected) /
                              (params_.distance_sigma_m + params_.distance_sigma_share * expected);
