@@ -71,9 +71,11 @@ void Sightings::read(const perception::Vision& vision, double neck_yaw_deg, doub
         const GroundPoint b = turn.apply(line.end);
         add(a);
         add(b);
-        // The middle lies on a straight line too; on a circle piece it is
-        // off by a few centimetres at most.
-        add({(a.x + b.x) / 2, (a.y + b.y) / 2});
+        // The middle of a long stretch lies on its line too and pins it down
+        // better than its ends alone; short ones (circle pieces, a line's
+        // corner in view) gain nothing from it.
+        if ((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y) > 4.0)
+            add({(a.x + b.x) / 2, (a.y + b.y) / 2});
     }
 }
 
