@@ -18,9 +18,9 @@ struct GroundPoint {
 };
 
 /// What one "(See ...)" tells about the field, turned from the head camera's
-/// polar values into the torso's level frame with the neck's angles. The
-/// torso is taken as upright: its sway while walking turns into noise that
-/// the estimator's observation model absorbs.
+/// polar values into the level frame under the torso with the neck's angles
+/// and the torso's forward lean. Its sideways lean is not undone: while
+/// walking it turns into noise that the estimator's observation model absorbs.
 struct ORVO_API Sightings {
     /// End points and middles of the seen line stretches beyond this are dropped.
     static constexpr std::size_t max_line_points = 48;
@@ -41,14 +41,17 @@ struct ORVO_API Sightings {
     std::size_t landmark_count() const;
 
     /// Fills this from `vision`, seen with the neck at `neck_yaw_deg` and
-    /// `neck_pitch_deg` (as the joint angles report them). Values that are
-    /// not finite are left out.
-    void read(const perception::Vision& vision, double neck_yaw_deg, double neck_pitch_deg);
+    /// `neck_pitch_deg` (as the joint angles report them) and the torso
+    /// leaning `torso_pitch_deg` forwards (negative: backwards). Values that
+    /// are not finite are left out.
+    void read(const perception::Vision& vision, double neck_yaw_deg, double neck_pitch_deg,
+              double torso_pitch_deg = 0);
 };
 
 /// One seen polar value (metres, degrees; camera frame) placed on the ground
 /// of the torso's level frame.
-ORVO_API GroundPoint to_ground(const math::Polar& seen, double neck_yaw_deg, double neck_pitch_deg);
+ORVO_API GroundPoint to_ground(const math::Polar& seen, double neck_yaw_deg, double neck_pitch_deg,
+                               double torso_pitch_deg = 0);
 
 } // namespace orvo::world
 

@@ -37,8 +37,12 @@ public:
     const Sightings& sightings() const { return seen_; }
     /// Server time of the last "(See ...)"; 0 before the first.
     double last_vision() const { return last_vision_; }
+    /// The torso's lean from upright, degrees (running average of the accelerometer).
+    double tilt_deg() const { return tilt_deg_; }
 
 private:
+    /// Follows the torso's lean; false while it leans too far to trust what is seen.
+    bool track_tilt(const perception::Perception& now);
     void update_ball(double time, bool seen);
     void update_others(const perception::Vision& vision, double neck_yaw, double neck_pitch,
                        double time);
@@ -53,6 +57,8 @@ private:
     std::string team_;
     perception::Side side_ = perception::Side::left;
     double last_vision_ = 0;
+    double lean_forward_deg_ = 0; ///< about the left axis, running average
+    double tilt_deg_ = 0;         ///< from upright, any direction, running average
 };
 
 } // namespace orvo::world

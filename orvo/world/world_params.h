@@ -56,6 +56,12 @@ struct ORVO_API WorldParams {
     double beam_spread_m = 0;
     double beam_spread_deg = 0;
 
+    // The torso's lean, from the accelerometer.
+    /// Weight of each new reading in the lean's running average (walking shakes it).
+    double tilt_filter = 0;
+    /// Beyond this lean (falling, fallen) sightings are not used.
+    double max_tilt_deg = 0;
+
     // The ball.
     double ball_position_sigma_share = 0;
     double ball_acceleration_sigma = 0;

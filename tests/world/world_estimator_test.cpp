@@ -4,8 +4,10 @@
 
 #include "replay.h"
 
+#include <orvo/perception/perception_reader.h>
 #include <orvo/world/field.h>
 #include <orvo/world/localizer.h>
+#include <orvo/world/world_model.h>
 
 #include <cmath>
 
@@ -155,6 +157,31 @@ TEST(Sightings, ValuesThatAreNotNumbersAreLeftOut) {
     EXPECT_EQ(seen.line_point_count, 3u);
     // Seen 20 degrees left of a camera turned 90 degrees left: 110 degrees.
     EXPECT_NEAR(std::atan2(seen.landmarks[1].y, seen.landmarks[1].x) * 180 / M_PI, 110, 0.01);
+}
+
+TEST(Sightings, TheTorsosForwardLeanIsUndone) {
+    // A mark 10 m straight ahead at camera height, seen with the torso
+    // leaning forward 20 degrees: the camera looks down by as much.
+    const orvo::world::GroundPoint g =
+        orvo::world::to_ground(orvo::math::Polar(10, 0, 20), 0, 0, 20);
+    EXPECT_NEAR(g.x, 10, 1e-6);
+    EXPECT_NEAR(g.y, 0, 1e-6);
+}
+
+TEST(WorldModel, AFallenRobotDoesNotTrustWhatItSees) {
+    orvo::world::WorldModel world(params());
+    world.place(-5, 0, 0);
+    orvo::perception::Perception now;
+    // Lying on its back, it sees the goal posts where a standing robot at the
+    // centre spot would.
+    ASSERT_TRUE(orvo::perception::PerceptionReader().read(
+        "(time (now 1))(ACC (n torso) (a 0 -9.6 2))(See (G1R (pol 15.05 4 1)) (G2R (pol 15.05 -4 "
+        "1)))",
+        now));
+    for (int i = 0; i < 10; ++i)
+        world.update(now, {});
+    EXPECT_NEAR(world.pose().x, -5, 0.01);
+    EXPECT_GT(world.tilt_deg(), 60);
 }
 
 } // namespace

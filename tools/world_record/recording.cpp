@@ -22,7 +22,7 @@ std::size_t element_end(const std::string& text, std::size_t open) {
 }
 
 bool kept(const std::string& element) {
-    for (const char* head : {"(time", "(GS", "(See", "(HJ (n hj1)", "(HJ (n hj2)"})
+    for (const char* head : {"(time", "(GS", "(See", "(ACC", "(HJ (n hj1)", "(HJ (n hj2)"})
         if (element.rfind(head, 0) == 0)
             return true;
     return false;

@@ -25,7 +25,7 @@ std::vector<Frame> read_recording(std::istream& in);
 std::vector<Frame> read_recording_file(const std::string& path);
 
 /// The perception without what the world model does not read (gyroscope,
-/// accelerometer, foot forces, joints other than the neck).
+/// foot forces, joints other than the neck).
 std::string cut_down(const std::string& payload);
 
 } // namespace orvo::record

@@ -16,11 +16,13 @@ bool finite(const math::Polar& p) {
 }
 
 struct NeckTurn {
-    double cy, sy, cp, sp;
-    NeckTurn(double yaw_deg, double pitch_deg)
+    double cy, sy, cp, sp, ct, st;
+    NeckTurn(double yaw_deg, double pitch_deg, double torso_pitch_deg)
         : cy(std::cos(yaw_deg * radians_per_degree)), sy(std::sin(yaw_deg * radians_per_degree)),
           cp(std::cos(pitch_down_sign * pitch_deg * radians_per_degree)),
-          sp(std::sin(pitch_down_sign * pitch_deg * radians_per_degree)) {}
+          sp(std::sin(pitch_down_sign * pitch_deg * radians_per_degree)),
+          ct(std::cos(-pitch_down_sign * torso_pitch_deg * radians_per_degree)),
+          st(std::sin(-pitch_down_sign * torso_pitch_deg * radians_per_degree)) {}
 
     GroundPoint apply(const math::Polar& seen) const {
         const double d = seen.distance;
@@ -30,9 +32,13 @@ struct NeckTurn {
         const double f = d * std::cos(v) * std::cos(h);
         const double l = d * std::cos(v) * std::sin(h);
         const double u = d * std::sin(v);
-        // Undo the pitch (about the left axis), then the yaw (about up).
+        // Undo the neck's pitch (about the left axis), its yaw (about up),
+        // then the torso's forward lean (about its left axis), which lowers
+        // the view as a positive neck pitch raises it.
         const double f1 = cp * f + sp * u;
-        return {cy * f1 - sy * l, sy * f1 + cy * l};
+        const double u1 = -sp * f + cp * u;
+        const double f2 = cy * f1 - sy * l;
+        return {ct * f2 + st * u1, sy * f1 + cy * l};
     }
 };
 
@@ -42,12 +48,14 @@ std::size_t Sightings::landmark_count() const {
     return std::bitset<8>(landmarks_seen).count();
 }
 
-GroundPoint to_ground(const math::Polar& seen, double neck_yaw_deg, double neck_pitch_deg) {
-    return NeckTurn(neck_yaw_deg, neck_pitch_deg).apply(seen);
+GroundPoint to_ground(const math::Polar& seen, double neck_yaw_deg, double neck_pitch_deg,
+                      double torso_pitch_deg) {
+    return NeckTurn(neck_yaw_deg, neck_pitch_deg, torso_pitch_deg).apply(seen);
 }
 
-void Sightings::read(const perception::Vision& vision, double neck_yaw_deg, double neck_pitch_deg) {
-    const NeckTurn turn(neck_yaw_deg, neck_pitch_deg);
+void Sightings::read(const perception::Vision& vision, double neck_yaw_deg, double neck_pitch_deg,
+                     double torso_pitch_deg) {
+    const NeckTurn turn(neck_yaw_deg, neck_pitch_deg, torso_pitch_deg);
     landmarks_seen = 0;
     for (std::size_t i = 0; i < perception::landmark_count; ++i) {
         const auto which = static_cast<perception::Landmark>(i);

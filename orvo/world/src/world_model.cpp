@@ -2,6 +2,7 @@
 
 #include "angles.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvo::world {
@@ -29,17 +30,36 @@ void WorldModel::update(const perception::Perception& now, const Odometry& step)
     }
     localizer_.predict(step);
     const double time = now.has_time ? now.time : ball_time_;
-    if (!now.has_vision) {
+    const bool upright = track_tilt(now);
+    if (!now.has_vision || !upright) {
         update_ball(time, false);
         return;
     }
     const double yaw = now.joints[robot::Joint::neck_yaw];
     const double pitch = now.joints[robot::Joint::neck_pitch];
-    seen_.read(now.vision, yaw, pitch);
+    seen_.read(now.vision, yaw, pitch, lean_forward_deg_);
     localizer_.correct(seen_);
     last_vision_ = time;
     update_ball(time, seen_.sees_ball);
     update_others(now.vision, yaw, pitch, time);
+}
+
+bool WorldModel::track_tilt(const perception::Perception& now) {
+    const math::Vector3d& a = now.accelerometer;
+    const double g = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
+    // No reading (or free fall): keep the last lean.
+    if (!now.has_accelerometer || g <= 1.0)
+        return tilt_deg_ <= params_.max_tilt_deg;
+    // The accelerometer's y axis points forward; leaning forward tips the
+    // measured gravity towards -y (measured on the server: a robot that fell
+    // on its front reads y = -9.6).
+    const double forward = std::atan2(-a.y, a.z) / radians_per_degree;
+    const double tilt = std::acos(std::clamp(a.z / g, -1.0, 1.0)) / radians_per_degree;
+    lean_forward_deg_ += params_.tilt_filter * (forward - lean_forward_deg_);
+    tilt_deg_ += params_.tilt_filter * (tilt - tilt_deg_);
+    // The average smooths the walk's shaking; the reading itself stops a
+    // fall from slipping through while the average catches up.
+    return tilt <= params_.max_tilt_deg && tilt_deg_ <= params_.max_tilt_deg;
 }
 
 void WorldModel::update_ball(double time, bool seen) {
