@@ -57,8 +57,9 @@ private:
     std::string team_;
     perception::Side side_ = perception::Side::left;
     double last_vision_ = 0;
-    double lean_forward_deg_ = 0; ///< about the left axis, running average
-    double tilt_deg_ = 0;         ///< from upright, any direction, running average
+    double gravity_[3] = {0, 0, 0}; ///< the accelerometer's running average
+    double lean_forward_deg_ = 0;   ///< about the left axis
+    double tilt_deg_ = 0;           ///< from upright, any direction
 };
 
 } // namespace orvo::world

@@ -57,7 +57,8 @@ struct ORVO_API WorldParams {
     double beam_spread_deg = 0;
 
     // The torso's lean, from the accelerometer.
-    /// Weight of each new reading in the lean's running average (walking shakes it).
+    /// Weight of each new accelerometer reading in its running average, from
+    /// which the lean is taken (walking shakes the single readings).
     double tilt_filter = 0;
     /// Beyond this lean (falling, fallen) sightings are not used.
     double max_tilt_deg = 0;

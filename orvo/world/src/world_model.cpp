@@ -45,21 +45,27 @@ void WorldModel::update(const perception::Perception& now, const Odometry& step)
 }
 
 bool WorldModel::track_tilt(const perception::Perception& now) {
-    const math::Vector3d& a = now.accelerometer;
-    const double g = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
-    // No reading (or free fall): keep the last lean.
-    if (!now.has_accelerometer || g <= 1.0)
-        return tilt_deg_ <= params_.max_tilt_deg;
+    // The reading's running average: steps, impacts and placements shake the
+    // single readings (a robot the trainer moves every cycle reads +43 and
+    // -23 m/s^2 upwards in turn), while gravity stays.
+    if (now.has_accelerometer) {
+        const math::Vector3d& a = now.accelerometer;
+        gravity_[0] += params_.tilt_filter * (a.x - gravity_[0]);
+        gravity_[1] += params_.tilt_filter * (a.y - gravity_[1]);
+        gravity_[2] += params_.tilt_filter * (a.z - gravity_[2]);
+    }
+    const double g = std::sqrt(gravity_[0] * gravity_[0] + gravity_[1] * gravity_[1] +
+                               gravity_[2] * gravity_[2]);
+    if (g <= 1.0) { // no reading yet, or free fall: take the torso as upright
+        lean_forward_deg_ = tilt_deg_ = 0;
+        return true;
+    }
     // The accelerometer's y axis points forward; leaning forward tips the
     // measured gravity towards -y (measured on the server: a robot that fell
     // on its front reads y = -9.6).
-    const double forward = std::atan2(-a.y, a.z) / radians_per_degree;
-    const double tilt = std::acos(std::clamp(a.z / g, -1.0, 1.0)) / radians_per_degree;
-    lean_forward_deg_ += params_.tilt_filter * (forward - lean_forward_deg_);
-    tilt_deg_ += params_.tilt_filter * (tilt - tilt_deg_);
-    // The average smooths the walk's shaking; the reading itself stops a
-    // fall from slipping through while the average catches up.
-    return tilt <= params_.max_tilt_deg && tilt_deg_ <= params_.max_tilt_deg;
+    lean_forward_deg_ = std::atan2(-gravity_[1], gravity_[2]) / radians_per_degree;
+    tilt_deg_ = std::acos(std::clamp(gravity_[2] / g, -1.0, 1.0)) / radians_per_degree;
+    return tilt_deg_ <= params_.max_tilt_deg;
 }
 
 void WorldModel::update_ball(double time, bool seen) {
