@@ -85,4 +85,16 @@
 #include <orvo/perception/play_mode.h>
 #include <orvo/perception/reused_list.h>
 
+// world model, head, drawings of the beliefs
+#include <orvo/beliefs/belief_drawings.h>
+#include <orvo/head/head_aim.h>
+#include <orvo/head/skill_head.h>
+#include <orvo/world/beliefs.h>
+#include <orvo/world/field.h>
+#include <orvo/world/localizer.h>
+#include <orvo/world/param_file.h>
+#include <orvo/world/sightings.h>
+#include <orvo/world/world_model.h>
+#include <orvo/world/world_params.h>
+
 #endif
