@@ -94,5 +94,16 @@
 #include <orvo/monitor/monitor_client.h>
 #include <orvo/monitor/play_modes.h>
 #include <orvo/monitor/scene_reader.h>
+// world model, head, drawings of the beliefs
+#include <orvo/beliefs/belief_drawings.h>
+#include <orvo/head/head_aim.h>
+#include <orvo/head/skill_head.h>
+#include <orvo/world/beliefs.h>
+#include <orvo/world/field.h>
+#include <orvo/world/localizer.h>
+#include <orvo/world/param_file.h>
+#include <orvo/world/sightings.h>
+#include <orvo/world/world_model.h>
+#include <orvo/world/world_params.h>
 
 #endif

@@ -1,0 +1,53 @@
+// Parameter files: every robot type's loads, and a file with a fault is refused.
+#include <gtest/gtest.h>
+
+#include <orvo/world/world_params.h>
+
+#include <fstream>
+#include <string>
+
+#include "support/scratch_dir.h"
+
+namespace {
+
+TEST(WorldParams, EveryRobotTypeHasAFile) {
+    for (int type = 0; type < 5; ++type)
+        EXPECT_GE(orvo::world::WorldParams::for_type(WORLD_PARAMS, type).particles, 20) << type;
+}
+
+struct FaultCase {
+    const char* edit_from;
+    const char* edit_to;
+    const char* message;
+};
+
+const FaultCase fault_cases[] = {
+    {"\"particles\"", "\"particle\"", "no entry \"particles\""},
+    {"\"value\": 200", "\"value\": 2", "outside its min and max"},
+    {"\"value\": 200", "\"value\": \"many\"", "needs numbers"},
+    {"{\n \"particles\"", "{\n \"colour\": 1, \"particles\"", "unknown entry \"colour\""},
+    {"{\n", "[\n", "not a JSON object"},
+};
+
+class Faulty : public testing::TestWithParam<FaultCase> {};
+
+TEST_P(Faulty, FileIsRefusedWithTheReason) {
+    std::ifstream in(std::string(WORLD_PARAMS) + "/type0.json");
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const auto at = text.find(GetParam().edit_from);
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, std::string(GetParam().edit_from).size(), GetParam().edit_to);
+    orvo_test::ScratchDir dir;
+    const std::string path = "type0.json";
+    std::ofstream(path) << text;
+    try {
+        orvo::world::WorldParams::load(path);
+        FAIL() << "accepted";
+    } catch (const orvo::world::WorldParamsError& e) {
+        EXPECT_NE(std::string(e.what()).find(GetParam().message), std::string::npos) << e.what();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(World, Faulty, testing::ValuesIn(fault_cases));
+
+} // namespace
