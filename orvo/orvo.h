@@ -79,4 +79,10 @@
 #include <orvo/perception/play_mode.h>
 #include <orvo/perception/reused_list.h>
 
+// monitor
+#include <orvo/monitor/ground_truth.h>
+#include <orvo/monitor/monitor_client.h>
+#include <orvo/monitor/play_modes.h>
+#include <orvo/monitor/scene_reader.h>
+
 #endif

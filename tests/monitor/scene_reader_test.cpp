@@ -1,0 +1,178 @@
+// The monitor reader against the server's recorded stream (two robots, robot
+// 1 of the left team placed at (-5, 2), the ball at (3, -1)), and against
+// that stream changed where the server would change it.
+#include <orvo/monitor/scene_reader.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "support/allocation_counter.h"
+
+namespace {
+
+using orvo::monitor::SceneReader;
+using orvo::monitor::Side;
+
+std::vector<std::string> sample() {
+    std::ifstream in(MONITOR_SAMPLE);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+/// `update` with "(SLT matrix)" given to the node that holds `position` in the
+/// whole scene `scene`: the update the server sends when that node moves.
+std::string moved(const std::string& scene, const std::string& update, const std::string& position,
+                  const std::string& matrix) {
+    const std::string node = "(nd";
+    const auto at = scene.find(position);
+    int index = -1;
+    for (auto p = scene.find(node); p < at; p = scene.find(node, p + 1)) {
+        ++index;
+    }
+    auto p = update.find(node);
+    for (int i = 0; i < index; ++i) {
+        p = update.find(node, p + 1);
+    }
+    std::string result = update;
+    result.insert(p + node.size(), "(SLT " + matrix + ")");
+    return result;
+}
+
+class SampleStream : public ::testing::Test {
+protected:
+    void SetUp() override {
+        lines = sample();
+        ASSERT_EQ(lines.size(), 30u);
+        for (const auto& line : lines) {
+            reader.read(line);
+        }
+    }
+    std::vector<std::string> lines;
+    SceneReader reader;
+};
+
+TEST_F(SampleStream, KeepsTheGameTheRobotsAndTheBall) {
+    const auto& truth = reader.truth();
+    EXPECT_EQ(reader.counts().malformed, 0);
+    EXPECT_EQ(reader.counts().mismatched, 0);
+    EXPECT_EQ(reader.counts().scenes, 1);
+    EXPECT_EQ(truth.play_mode_name(), "PlayOn");
+    EXPECT_EQ(truth.team_left, "probe");
+    EXPECT_NEAR(truth.time, 1.48 + 29 * 0.04, 1e-6);
+    EXPECT_NEAR(truth.ball[0], 3.0, 0.01);
+    EXPECT_NEAR(truth.ball[1], -1.0, 0.01);
+    EXPECT_NEAR(truth.ball[2], 0.04, 0.01);
+    ASSERT_EQ(truth.robots.size(), 2u);
+
+    const auto* one = reader.robot(Side::left, 1);
+    ASSERT_NE(one, nullptr);
+    EXPECT_EQ(one->type, 0);
+    EXPECT_NEAR(one->x, -5.0, 0.01);
+    EXPECT_NEAR(one->y, 2.0, 0.01);
+    EXPECT_NEAR(one->heading_deg, 0.0, 0.1);
+    EXPECT_LT(one->tilt_deg, 1.0);
+    EXPECT_FALSE(one->fallen());
+    ASSERT_FALSE(one->parts.empty());
+    EXPECT_EQ(one->parts.front().name, "torso");
+    const auto* head = one->part("head");
+    ASSERT_NE(head, nullptr);
+    EXPECT_NEAR(head->m[14], 0.555, 0.01);
+    for (const char* name : {"lfoot", "rfoot", "lthigh", "rshank", "llowerarm", "rupperarm"}) {
+        EXPECT_NE(one->part(name), nullptr) << name;
+    }
+    const auto* two = reader.robot(Side::left, 2);
+    ASSERT_NE(two, nullptr);
+    EXPECT_EQ(two->type, 1);
+    EXPECT_EQ(reader.robot(Side::right, 1), nullptr);
+}
+
+TEST_F(SampleStream, UpdatesAllocateNothingOnceASceneIsHeld) {
+    const long before = allocations();
+    for (int round = 0; round < 10; ++round) {
+        for (std::size_t i = 1; i < lines.size(); ++i) {
+            reader.read(lines[i]);
+        }
+    }
+    EXPECT_EQ(allocations(), before);
+}
+
+TEST_F(SampleStream, AMovedTorsoChangesPositionHeadingAndTilt) {
+    struct Case {
+        const char* matrix;
+        double x, y, heading, tilt;
+        bool fallen;
+    };
+    const Case cases[] = {
+        // upright, facing +y
+        {"1 0 0 0 0 1 0 0 0 0 1 0 -3 1 0.38 1", -3, 1, 90, 0, false},
+        // upright, facing -x
+        {"0 1 0 0 -1 0 0 0 0 0 1 0 4 -2 0.38 1", 4, -2, 180, 0, false},
+        // on its back: up axis along +x, forward axis pointing up
+        {"0 1 0 0 0 0 1 0 1 0 0 0 0 0 0.1 1", 0, 0, 0, 90, true},
+    };
+    for (const Case& c : cases) {
+        EXPECT_TRUE(reader.read(moved(lines[0], lines[1], "-5 2 0.4 1)", c.matrix)));
+        const auto* one = reader.robot(Side::left, 1);
+        ASSERT_NE(one, nullptr);
+        EXPECT_NEAR(one->x, c.x, 1e-9) << c.matrix;
+        EXPECT_NEAR(one->y, c.y, 1e-9) << c.matrix;
+        EXPECT_NEAR(one->tilt_deg, c.tilt, 1e-6) << c.matrix;
+        if (c.tilt < 80) {
+            EXPECT_NEAR(one->heading_deg, c.heading, 1e-6) << c.matrix;
+        }
+        EXPECT_EQ(one->fallen(), c.fallen) << c.matrix;
+    }
+    EXPECT_EQ(reader.counts().mismatched, 0);
+}
+
+TEST_F(SampleStream, HeaderChangesAndASceneSentAgainAreKept) {
+    EXPECT_TRUE(reader.read("((time 9.5)(play_mode 13)(score_left 1))(RDS 0 1)" +
+                            lines[1].substr(lines[1].find("(RDS 0 1)") + 9)));
+    EXPECT_EQ(reader.truth().play_mode_name(), "Goal_Left");
+    EXPECT_EQ(reader.truth().score_left, 1);
+    EXPECT_DOUBLE_EQ(reader.truth().time, 9.5);
+    EXPECT_FALSE(reader.read("((time 9.5))"));
+
+    std::string again = lines[0];
+    again.replace(again.find("matNum1 matLeft"), 15, "matNum7 matRight");
+    EXPECT_TRUE(reader.read(again));
+    EXPECT_EQ(reader.counts().scenes, 2);
+    EXPECT_EQ(reader.robot(Side::left, 1), nullptr);
+    ASSERT_NE(reader.robot(Side::right, 7), nullptr);
+    EXPECT_NEAR(reader.robot(Side::right, 7)->x, -5.0, 0.01);
+}
+
+TEST_F(SampleStream, BrokenMessagesKeepWhatWasKnown) {
+    const std::string cut_scene = lines[0].substr(0, lines[0].size() / 2);
+    const std::string inputs[] = {
+        "",
+        "garbage",
+        "((time",
+        "((time 3.0))(XYZ 0 1)(",
+        lines[1].substr(0, lines[1].size() - 40),
+        "((time 3.0))(RDS 0 1)((nd(nd)))",          // fewer nodes than the scene
+        "((time 3.0))(RDS 0 1)((nd (SLT 1 2 3))))", // a matrix cut short
+        std::string(5000, '(') + std::string(5000, ')'),
+    };
+    for (const std::string& input : inputs) {
+        reader.read(input);
+        const auto* one = reader.robot(Side::left, 1);
+        ASSERT_NE(one, nullptr) << input.substr(0, 60);
+        EXPECT_NEAR(one->x, -5.0, 0.01) << input.substr(0, 60);
+    }
+    EXPECT_GE(reader.counts().malformed, 5);
+    EXPECT_GE(reader.counts().mismatched, 2);
+
+    SceneReader fresh;
+    fresh.read(cut_scene);
+    EXPECT_EQ(fresh.counts().malformed, 1);
+    EXPECT_TRUE(fresh.has_scene());
+}
+
+} // namespace
