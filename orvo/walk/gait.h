@@ -64,19 +64,23 @@ public:
 
     double phase() const { return phase_; }
     Side support() const { return support_; }
-    /// Where `side`'s foot is now, relative to the stand.
-    Offset offset(Side side) const;
+    /// Where `side`'s foot is now, or at `phase` of this step, relative to
+    /// the stand.
+    Offset offset(Side side) const { return offset(side, phase_); }
+    Offset offset(Side side, double phase) const;
     /// True when both feet are back in the stand.
     bool feet_together() const;
-    /// The sole of `side` in the level frame, now.
-    SoleTarget sole(Side side) const;
+    /// The sole of `side` in the level frame `ahead` seconds from now (within
+    /// this step).
+    SoleTarget sole(Side side, double ahead = 0) const;
     /// Both soles in the stand: no sway, no step.
     SoleTarget stand_sole(Side side) const;
-    /// The hips' sideways shift toward the support foot (m), now.
-    double sway() const;
+    /// The hips' sideways shift toward the support foot (m), now or at `phase`.
+    double sway() const { return sway(phase_); }
+    double sway(double phase) const;
 
 private:
-    double swing_share() const;
+    double swing_share(double phase) const;
 
     WalkParams params_;
     double hip_width_;

@@ -45,6 +45,7 @@ struct ORVO_API WalkParams {
     double arm_roll = 0;
     double joint_p = 0;
     double joint_d = 0;
+    double lookahead = 0; ///< the joints aim this far (s) ahead of the gait, for their lag
     // What the walk believes it moved per commanded metre or degree.
     double odometry_forward = 0;
     double odometry_sideways = 0;

@@ -19,7 +19,8 @@ namespace orvo::drill {
 const char* const walk_usage =
     "  walk --velocity VX VY TURN | --to X Y   [--schedule]\n"
     "       m/s forward, m/s left, deg/s left; or a spot in metres of the start frame;\n"
-    "       --schedule: a new random velocity every 2 s; --trace: every cycle on stderr\n";
+    "       --schedule: a new random velocity every 2 s; --trace: every cycle on stderr;\n"
+    "       --paths: the torso's path, [x, y] every 0.2 s, in each run's JSON\n";
 
 namespace {
 
@@ -28,12 +29,15 @@ namespace {
 constexpr FieldPose start_spot{-6, 0, 0};
 constexpr double stand_seconds = 1;
 constexpr double schedule_seconds = 2;
+/// The torso's path is kept every this many cycles.
+constexpr int path_cycles = 10;
 
 struct WalkOptions {
     walk::Velocity velocity;
     bool schedule = false;
     bool to = false;
     bool trace = false;
+    bool paths = false;
     double to_x = 0;
     double to_y = 0;
 };
@@ -65,21 +69,24 @@ walk::Velocity random_velocity(const walk::WalkParams& params, std::mt19937& ran
 void trace(const Trial& trial, const walk::Walker& walker) {
     const FieldPose pose = trial.pose().value_or(FieldPose{});
     const auto& gait = walker.gait();
+    double error = 0;
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        const auto joint = static_cast<robot::Joint>(i);
+        if (walker.joints().test(i) && trial.perception().joints.has(joint)) {
+            error =
+                std::max(error, std::fabs(walker.targets()[i] - trial.perception().joints[joint]));
+        }
+    }
     std::fprintf(stderr,
                  "t %.2f pose %.3f %.3f %.1f z %.3f tilt %.1f | %s phase %.2f v %.2f %.2f %.0f "
-                 "odo %.2f %.2f %.0f%s\n",
+                 "odo %.2f %.2f %.0f err %.1f%s\n",
                  trial.game_time(), pose.x, pose.y, pose.heading, trial.height(), trial.tilt(),
                  walker.standing()                    ? "stand"
                  : gait.support() == walk::Side::left ? "left "
                                                       : "right",
                  gait.phase(), walker.velocity().forward, walker.velocity().sideways,
                  walker.velocity().turn, walker.odometry().x, walker.odometry().y,
-                 walker.odometry().heading, walker.reachable() ? "" : " unreachable");
-    const auto& angles = trial.perception().joints;
-    for (auto joint : {robot::Joint::left_hip_roll, robot::Joint::left_hip_pitch, robot::Joint::left_knee_pitch, robot::Joint::left_ankle_pitch}) {
-        std::fprintf(stderr, "   %.1f/%.1f", angles[joint], walker.targets()[robot::index(joint)]);
-    }
-    std::fprintf(stderr, " gyr %.0f %.0f %.0f acc %.1f %.1f %.1f\n", trial.perception().gyroscope.x, trial.perception().gyroscope.y, trial.perception().gyroscope.z, trial.perception().accelerometer.x, trial.perception().accelerometer.y, trial.perception().accelerometer.z);
+                 walker.odometry().heading, error, walker.reachable() ? "" : " unreachable");
 }
 
 double median(std::vector<double> values) {
@@ -128,7 +135,11 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
         walker.set_velocity(walk.velocity.forward, walk.velocity.sideways, walk.velocity.turn);
     }
     const int cycles = static_cast<int>(std::lround(options.seconds * cycles_per_second));
+    nlohmann::json path = nlohmann::json::array();
     for (int i = 0; i < cycles; ++i) {
+        if (walk.paths && i % path_cycles == 0 && trial.pose()) {
+            path.push_back({trial.pose()->x, trial.pose()->y});
+        }
         if (walk.schedule && i % static_cast<int>(schedule_seconds * cycles_per_second) == 0) {
             const walk::Velocity next = random_velocity(params, random);
             walker.set_velocity(next.forward, next.sideways, next.turn);
@@ -157,6 +168,10 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
         {"turn_dps", moved.heading / elapsed},
         {"agent_us_median", median(agent_us)},
         {"odometry", {walker.odometry().x, walker.odometry().y, walker.odometry().heading}}};
+    if (walk.paths) {
+        path.push_back({end.x, end.y});
+        result["path"] = path;
+    }
     if (walk.to) {
         result["miss_m"] = std::hypot(moved.x - walk.to_x, moved.y - walk.to_y);
     }
@@ -184,6 +199,9 @@ int run_walk(Arguments& arguments) {
             walk.to_x = words.number();
             walk.to_y = words.value();
             walk.to = moves = true;
+        } else if (words.flag() == "--paths") {
+            words.skip();
+            walk.paths = true;
         } else if (words.flag() == "--trace") {
             words.skip();
             walk.trace = true;

@@ -52,16 +52,16 @@ bool Gait::advance(double seconds) {
     return phase_ >= 1;
 }
 
-double Gait::swing_share() const {
+double Gait::swing_share(double phase) const {
     const double lifted = std::max(1e-6, 1 - params_.double_support);
-    return std::clamp((phase_ - params_.double_support / 2) / lifted, 0.0, 1.0);
+    return std::clamp((phase - params_.double_support / 2) / lifted, 0.0, 1.0);
 }
 
-Offset Gait::offset(Side side) const {
+Offset Gait::offset(Side side, double phase) const {
     if (side == support_) {
-        return blend(start_[at(side)], end_[at(side)], phase_);
+        return blend(start_[at(side)], end_[at(side)], phase);
     }
-    const double share = (1 - std::cos(pi * swing_share())) / 2;
+    const double share = (1 - std::cos(pi * swing_share(phase))) / 2;
     return blend(start_[at(side)], end_[at(side)], share);
 }
 
@@ -78,11 +78,11 @@ bool Gait::feet_together() const {
     return true;
 }
 
-double Gait::sway() const {
+double Gait::sway(double phase) const {
     const double constant = std::sqrt(params_.com_height / gravity);
     const double half = params_.step_time / 2;
     const double shape =
-        1 - std::cosh((phase_ * params_.step_time - half) / constant) / std::cosh(half / constant);
+        1 - std::cosh((phase * params_.step_time - half) / constant) / std::cosh(half / constant);
     return params_.zmp_y * sway_scale_ * shape;
 }
 
@@ -91,14 +91,15 @@ SoleTarget Gait::stand_sole(Side side) const {
             0};
 }
 
-SoleTarget Gait::sole(Side side) const {
+SoleTarget Gait::sole(Side side, double ahead) const {
+    const double phase = std::min(1.0, phase_ + ahead / params_.step_time);
     SoleTarget target = stand_sole(side);
-    const Offset now = offset(side);
+    const Offset now = offset(side, phase);
     target.position.x() += now.x;
-    target.position.y() += now.y - sign(support_) * sway();
+    target.position.y() += now.y - sign(support_) * sway(phase);
     target.yaw = now.yaw;
-    if (side != support_ && phase_ < 1) {
-        target.position.z() += params_.step_height * std::sin(pi * swing_share());
+    if (side != support_ && phase < 1) {
+        target.position.z() += params_.step_height * std::sin(pi * swing_share(phase));
     }
     return target;
 }

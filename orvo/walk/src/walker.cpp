@@ -154,7 +154,8 @@ void Walker::pose_joints() {
     reachable_ = true;
     for (Side side : {Side::left, Side::right}) {
         body::LegAngles angles{};
-        const SoleTarget sole = walking_ ? gait_.sole(side) : gait_.stand_sole(side);
+        const SoleTarget sole =
+            walking_ ? gait_.sole(side, params_.lookahead) : gait_.stand_sole(side);
         reachable_ = leg_angles(model_, side, sole, attitude, angles) && reachable_;
         set_leg(side, angles, targets_);
     }
