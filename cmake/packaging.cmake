@@ -15,7 +15,7 @@ set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 # The run-time libraries (C, C++, GSL) come from dpkg-shlibdeps; plug-in
 # builds also need the headers that orvo's own headers and its CMake package use.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libboost-dev (>= 1.74), libgsl-dev, pkg-config")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libboost-dev (>= 1.74), libgsl-dev, libeigen3-dev, pkg-config")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "cmake (>= 3.25), g++")
 
 include(CPack)

@@ -73,6 +73,10 @@
 // robot
 #include <orvo/robot/joints.h>
 
+// body
+#include <orvo/body/body_model.h>
+#include <orvo/body/kinematics.h>
+
 // perception
 #include <orvo/perception/perception.h>
 #include <orvo/perception/perception_reader.h>
