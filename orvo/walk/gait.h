@@ -52,7 +52,8 @@ struct SoleTarget {
 /// at the support switch and largest mid-step.
 class ORVO_API Gait {
 public:
-    Gait(const WalkParams& params, double hip_width);
+    /// `hip_offset`: how far each hip joint lies beside the torso's middle.
+    Gait(const WalkParams& params, double hip_offset);
 
     /// Starts a step on `support` at the velocity `velocity`; `sway_scale`
     /// (0 to 1) shrinks the sway for the first and last step.
@@ -83,7 +84,7 @@ private:
     double swing_share(double phase) const;
 
     WalkParams params_;
-    double hip_width_;
+    double hip_offset_;
     Side support_ = Side::right;
     double phase_ = 1;
     double sway_scale_ = 0;

@@ -43,6 +43,8 @@ struct ORVO_API WalkParams {
     // Arms and joint control.
     double arm_pitch = 0;
     double arm_roll = 0;
+    double arm_swing = 0;    ///< shoulder pitch per metre of the foot's forward offset
+    double heading_gain = 0; ///< turn (deg/s) per degree of drift from the asked heading
     double joint_p = 0;
     double joint_d = 0;
     double lookahead = 0; ///< the joints aim this far (s) ahead of the gait, for their lag

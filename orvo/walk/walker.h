@@ -15,7 +15,8 @@
 namespace orvo::walk {
 
 /// Where the walk believes the robot is, from the steps it took since it
-/// started: metres forward and left of the start pose, degrees turned left.
+/// started: metres forward and left of the start pose, degrees turned left
+/// (the heading by the gyroscope, which sees the feet's slips as well).
 struct Odometry {
     double x = 0;
     double y = 0;
@@ -66,6 +67,8 @@ public:
 private:
     void steer_to_spot();
     void accelerate();
+    /// The velocity for the next step, turning back the drift.
+    Velocity steered() const;
     void step_on(const perception::Perception& perception);
     void track_odometry(const Offset& before);
     void sense(const perception::Perception& perception);
@@ -84,6 +87,10 @@ private:
     Odometry odometry_;
     Eigen::Vector3d gyro_ = Eigen::Vector3d::Zero(); ///< deg/s about forward, left, up
     Attitude tilt_;                                  ///< measured, filtered
+    /// Degrees the torso turned beyond what the walk asked for, by the
+    /// gyroscope: feet slip, and the steps turn it back.
+    double drift_ = 0;
+    double heading_ = 0; ///< by the gyroscope since the start, degrees
     bool has_tilt_ = false;
     robot::JointValues angles_{};
     robot::JointValues targets_{};

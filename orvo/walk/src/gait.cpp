@@ -21,7 +21,8 @@ Offset blend(const Offset& from, const Offset& to, double share) {
 
 } // namespace
 
-Gait::Gait(const WalkParams& params, double hip_width) : params_(params), hip_width_(hip_width) {}
+Gait::Gait(const WalkParams& params, double hip_offset)
+    : params_(params), hip_offset_(hip_offset) {}
 
 void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
     const Side swing = other(support);
@@ -87,8 +88,7 @@ double Gait::sway(double phase) const {
 }
 
 SoleTarget Gait::stand_sole(Side side) const {
-    return {{params_.foot_x, sign(side) * (hip_width_ / 2 + params_.foot_y), -params_.hip_height},
-            0};
+    return {{params_.foot_x, sign(side) * (hip_offset_ + params_.foot_y), -params_.hip_height}, 0};
 }
 
 SoleTarget Gait::sole(Side side, double ahead) const {

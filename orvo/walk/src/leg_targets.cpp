@@ -1,5 +1,7 @@
 #include <orvo/walk/leg_targets.h>
 
+#include <orvo/body/kinematics.h>
+
 #include <cmath>
 
 namespace orvo::walk {
@@ -7,31 +9,36 @@ namespace orvo::walk {
 namespace {
 
 constexpr double radians_per_degree = 0.017453292519943295;
+/// Smaller yaws are taken as none, so that a straight walk keeps the hip
+/// yaw-pitch joints at rest.
+constexpr double least_yaw = 0.05;
 
-body::Leg leg_of(Side side) {
-    return side == Side::left ? body::Leg::left : body::Leg::right;
+/// The walk thinks forward, left, up; the body model right, forward, up.
+Eigen::Matrix3d walk_to_body() {
+    Eigen::Matrix3d turn;
+    turn << 0, -1, 0, 1, 0, 0, 0, 0, 1;
+    return turn;
 }
 
-/// The sole's pose in the torso frame: the level frame's origin is the
-/// middle of the hip joints, about which the torso tilts.
+/// The sole's pose in the body frame. The level frame's origin is the middle
+/// of the hip joints, about which the torso tilts.
 Eigen::Isometry3d sole_in_torso(const body::BodyModel& model, const SoleTarget& target,
                                 const Attitude& attitude) {
+    const Eigen::Matrix3d to_body = walk_to_body();
     const Eigen::Vector3d hips =
+        to_body.transpose() *
         (model.hip_offset(body::Leg::left) + model.hip_offset(body::Leg::right)) / 2;
     const Eigen::Matrix3d tilt =
         (Eigen::AngleAxisd(attitude.pitch * radians_per_degree, Eigen::Vector3d::UnitY()) *
          Eigen::AngleAxisd(attitude.roll * radians_per_degree, Eigen::Vector3d::UnitX()))
             .toRotationMatrix();
+    const Eigen::Matrix3d yaw =
+        Eigen::AngleAxisd(target.yaw * radians_per_degree, Eigen::Vector3d::UnitZ())
+            .toRotationMatrix();
     Eigen::Isometry3d pose = Eigen::Isometry3d::Identity();
-    pose.linear() = tilt.transpose() *
-                    Eigen::AngleAxisd(target.yaw * radians_per_degree, Eigen::Vector3d::UnitZ())
-                        .toRotationMatrix();
-    pose.translation() = tilt.transpose() * target.position + hips;
+    pose.linear() = to_body * tilt.transpose() * yaw * to_body.transpose();
+    pose.translation() = to_body * (tilt.transpose() * target.position + hips);
     return pose;
-}
-
-double yaw_of(const Eigen::Isometry3d& pose) {
-    return std::atan2(pose.linear()(1, 0), pose.linear()(0, 0)) / radians_per_degree;
 }
 
 } // namespace
@@ -39,43 +46,11 @@ double yaw_of(const Eigen::Isometry3d& pose) {
 bool leg_angles(const body::BodyModel& model, Side side, const SoleTarget& target,
                 const Attitude& attitude, body::LegAngles& angles) {
     const Eigen::Isometry3d pose = sole_in_torso(model, target, attitude);
-    const body::Leg leg = leg_of(side);
-    // The joint only turns a foot outward; a small outward yaw needs about
-    // sqrt(2) times its angle, larger ones a little more: two secant steps
-    // on the leg's own kinematics settle it within a tenth of a degree.
-    const double outward = std::max(0.0, sign(side) * target.yaw);
-    double hip_yaw = -outward * std::sqrt(2.0);
-    body::LegSolution solution = body::solve_leg(model, leg, pose, hip_yaw);
-    if (outward > 0.1) {
-        double previous_hip = 0;
-        double previous_error = -outward;
-        for (int i = 0; i < 2; ++i) {
-            const double error =
-                sign(side) * yaw_of(body::foot_pose(model, leg, solution.angles)) - outward;
-            const double slope = (error - previous_error) / (hip_yaw - previous_hip);
-            if (std::fabs(slope) < 1e-6) {
-                break;
-            }
-            previous_hip = hip_yaw;
-            previous_error = error;
-            hip_yaw = std::min(0.0, hip_yaw - error / slope);
-            solution = body::solve_leg(model, leg, pose, hip_yaw);
-        }
-    }
+    const body::LegSolution solution = std::fabs(target.yaw) < least_yaw
+                                           ? body::solve_leg(model, leg_of(side), pose, 0.0)
+                                           : body::solve_leg(model, leg_of(side), pose);
     angles = solution.angles;
     return solution.reachable;
-}
-
-void set_leg(Side side, const body::LegAngles& angles, robot::JointValues& targets) {
-    using robot::Joint;
-    const bool left = side == Side::left;
-    targets[index(left ? Joint::left_hip_yaw_pitch : Joint::right_hip_yaw_pitch)] =
-        angles.hip_yaw_pitch;
-    targets[index(left ? Joint::left_hip_roll : Joint::right_hip_roll)] = angles.hip_roll;
-    targets[index(left ? Joint::left_hip_pitch : Joint::right_hip_pitch)] = angles.hip_pitch;
-    targets[index(left ? Joint::left_knee_pitch : Joint::right_knee_pitch)] = angles.knee;
-    targets[index(left ? Joint::left_ankle_pitch : Joint::right_ankle_pitch)] = angles.ankle_pitch;
-    targets[index(left ? Joint::left_ankle_roll : Joint::right_ankle_roll)] = angles.ankle_roll;
 }
 
 } // namespace orvo::walk

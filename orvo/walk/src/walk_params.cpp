@@ -33,6 +33,8 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(tilt_filter);
     ORVO_WALK_PARAM(arm_pitch);
     ORVO_WALK_PARAM(arm_roll);
+    ORVO_WALK_PARAM(arm_swing);
+    ORVO_WALK_PARAM(heading_gain);
     ORVO_WALK_PARAM(joint_p);
     ORVO_WALK_PARAM(joint_d);
     ORVO_WALK_PARAM(lookahead);

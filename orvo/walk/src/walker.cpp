@@ -1,5 +1,7 @@
 #include <orvo/walk/walker.h>
 
+#include <orvo/body/kinematics.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -81,7 +83,7 @@ void Walker::track_odometry(const Offset& before) {
     const double heading = odometry_.heading * radians_per_degree;
     odometry_.x += std::cos(heading) * forward - std::sin(heading) * sideways;
     odometry_.y += std::sin(heading) * forward + std::cos(heading) * sideways;
-    odometry_.heading += (before.yaw - after.yaw) * params_.odometry_turn;
+    odometry_.heading = heading_ * params_.odometry_turn;
 }
 
 void Walker::step_on(const perception::Perception& perception) {
@@ -120,7 +122,14 @@ void Walker::step_on(const perception::Perception& perception) {
         return;
     }
     last_step_ = false;
-    gait_.begin(next, velocity_, 1);
+    gait_.begin(next, steered(), 1);
+}
+
+Velocity Walker::steered() const {
+    Velocity velocity = velocity_;
+    velocity.turn = std::clamp(velocity.turn - params_.heading_gain * drift_, -params_.max_turn,
+                               params_.max_turn);
+    return velocity;
 }
 
 void Walker::sense(const perception::Perception& perception) {
@@ -132,6 +141,8 @@ void Walker::sense(const perception::Perception& perception) {
     }
     if (perception.has_gyroscope) {
         gyro_ = walk_axes(perception.gyroscope);
+        heading_ += gyro_.z() * robot::cycle_seconds;
+        drift_ = walking_ ? drift_ + (gyro_.z() - velocity_.turn) * robot::cycle_seconds : 0;
     }
     if (perception.has_accelerometer) {
         const Eigen::Vector3d a = walk_axes(perception.accelerometer);
@@ -157,10 +168,14 @@ void Walker::pose_joints() {
         const SoleTarget sole =
             walking_ ? gait_.sole(side, params_.lookahead) : gait_.stand_sole(side);
         reachable_ = leg_angles(model_, side, sole, attitude, angles) && reachable_;
-        set_leg(side, angles, targets_);
+        body::set_leg_angles(targets_, leg_of(side), angles);
     }
-    targets_[index(Joint::left_shoulder_pitch)] = params_.arm_pitch;
-    targets_[index(Joint::right_shoulder_pitch)] = params_.arm_pitch;
+    // Each arm swings against its leg, which takes up some of the turn that
+    // the swinging leg gives the body.
+    targets_[index(Joint::left_shoulder_pitch)] =
+        params_.arm_pitch - params_.arm_swing * gait_.offset(Side::left).x;
+    targets_[index(Joint::right_shoulder_pitch)] =
+        params_.arm_pitch - params_.arm_swing * gait_.offset(Side::right).x;
     targets_[index(Joint::left_shoulder_roll)] = params_.arm_roll;
     targets_[index(Joint::right_shoulder_roll)] = -params_.arm_roll;
     // The rates feed the planned motion forward; the sensors' corrections
