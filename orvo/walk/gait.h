@@ -43,13 +43,13 @@ struct SoleTarget {
 };
 
 /// The step cycle. Each step one foot supports and the other swings. The
-/// body moves forward continuously over the support foot (it slides back under
-/// the hips as the swing foot comes through); sideways steps and turns are
-/// taken by the leg on that side stepping out, the other closing up on the
-/// next step, so that the feet never cross and the hip yaw joints only ever
-/// turn a foot outward. The hips sway over the support foot as a linear
-/// inverted pendulum with its pressure centre fixed there: the sway is zero
-/// at the support switch and largest mid-step.
+/// body moves forward and sideways continuously over the support foot (it
+/// slides under the hips as the swing foot comes through); turns are taken by
+/// the leg on that side turning out, the other closing up on the next step,
+/// so that the hip yaw joints only ever turn a foot outward. The hips sway
+/// over the support foot as a linear inverted pendulum with its pressure
+/// centre fixed there: the sway is zero at the support switch and largest
+/// mid-step.
 class ORVO_API Gait {
 public:
     /// `hip_offset`: how far each hip joint lies beside the torso's middle.

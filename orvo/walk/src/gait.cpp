@@ -32,17 +32,14 @@ void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
     phase_ = 0;
     sway_scale_ = sway_scale;
     const double time = params_.step_time;
-    // Forward: the support foot slides back by half a step under the hips
-    // while the swing foot comes through to half a step ahead.
+    // Forward and sideways: the support foot slides under the hips by half a
+    // step while the swing foot comes through to half a step beyond them.
     Offset& support_end = end_[at(support)];
     Offset& swing_end = end_[at(swing)];
-    support_end = {-velocity.forward * time / 2, 0, 0};
-    swing_end = {velocity.forward * time / 2, 0, 0};
-    // Sideways and turning: two steps make one stride, which the leg on the
-    // moving side takes alone.
-    if (velocity.sideways * sign(swing) > 0) {
-        swing_end.y = velocity.sideways * 2 * time;
-    }
+    support_end = {-velocity.forward * time / 2, -velocity.sideways * time / 2, 0};
+    swing_end = {velocity.forward * time / 2, velocity.sideways * time / 2, 0};
+    // Turning: two steps make one turn, which the leg on the turning side
+    // takes alone, so that the hip joints only ever turn a foot outward.
     if (velocity.turn * sign(swing) > 0) {
         swing_end.yaw = velocity.turn * 2 * time;
     }
