@@ -55,7 +55,8 @@ struct ORVO_API WalkParams {
     // Walking to a spot.
     double goto_gain = 0;      ///< forward m/s per metre left
     double goto_turn_gain = 0; ///< deg/s per degree off the spot's bearing
-    double goto_radius = 0;    ///< close enough
+    double goto_radius = 0;
+    double goto_near = 0; ///< within this it steps to the spot without turning    ///< close enough
     double goto_turn_only = 0; ///< bearing beyond which it turns on the spot
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.

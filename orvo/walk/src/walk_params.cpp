@@ -44,6 +44,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(goto_gain);
     ORVO_WALK_PARAM(goto_turn_gain);
     ORVO_WALK_PARAM(goto_radius);
+    ORVO_WALK_PARAM(goto_near);
     ORVO_WALK_PARAM(goto_turn_only);
     return params;
 }

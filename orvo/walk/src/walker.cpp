@@ -56,10 +56,20 @@ void Walker::steer_to_spot() {
     }
     double bearing = std::atan2(left.y(), left.x()) / radians_per_degree - odometry_.heading;
     bearing = std::remainder(bearing, 360.0);
+    target_ = {};
+    if (distance < params_.goto_near) {
+        // Close by, it steps straight to the spot whatever its heading: a
+        // spot a little aside would otherwise set it turning on the spot.
+        const double speed = params_.goto_gain * distance;
+        const double angle = bearing * radians_per_degree;
+        target_.forward =
+            std::clamp(speed * std::cos(angle), -params_.max_backward, params_.max_forward);
+        target_.sideways =
+            std::clamp(speed * std::sin(angle), -params_.max_sideways, params_.max_sideways);
+        return;
+    }
     target_.turn =
         std::clamp(params_.goto_turn_gain * bearing, -params_.max_turn, params_.max_turn);
-    target_.forward = 0;
-    target_.sideways = 0;
     if (std::fabs(bearing) < params_.goto_turn_only) {
         const double speed = std::min(params_.max_forward, params_.goto_gain * distance);
         target_.forward = speed * std::cos(bearing * radians_per_degree);
