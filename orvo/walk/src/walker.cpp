@@ -137,6 +137,10 @@ void Walker::step_on(const perception::Perception& perception) {
 
 Velocity Walker::steered() const {
     Velocity velocity = velocity_;
+    // Stopping, it brings its feet together rather than turning back.
+    if (still(target_)) {
+        return velocity;
+    }
     velocity.turn = std::clamp(velocity.turn - params_.heading_gain * drift_, -params_.max_turn,
                                params_.max_turn);
     return velocity;
