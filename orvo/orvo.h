@@ -89,4 +89,12 @@
 #include <orvo/monitor/play_modes.h>
 #include <orvo/monitor/scene_reader.h>
 
+// walk
+#include <orvo/walk/gait.h>
+#include <orvo/walk/leg_targets.h>
+#include <orvo/walk/param_set.h>
+#include <orvo/walk/skill_walk.h>
+#include <orvo/walk/walk_params.h>
+#include <orvo/walk/walker.h>
+
 #endif

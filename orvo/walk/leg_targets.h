@@ -2,6 +2,7 @@
 #define ORVO_WALK_LEG_TARGETS_H
 
 #include <orvo/body/body_model.h>
+#include <orvo/core/export.h>
 #include <orvo/walk/gait.h>
 
 namespace orvo::walk {
@@ -18,8 +19,8 @@ struct Attitude {
 /// joint, which can only turn it outward; an inward yaw is not asked for by
 /// the gait. Unreachable targets give the nearest angles the solver found.
 /// Returns whether the target was reached.
-bool leg_angles(const body::BodyModel& model, Side side, const SoleTarget& target,
-                const Attitude& attitude, body::LegAngles& angles);
+ORVO_API bool leg_angles(const body::BodyModel& model, Side side, const SoleTarget& target,
+                         const Attitude& attitude, body::LegAngles& angles);
 
 inline body::Leg leg_of(Side side) {
     return side == Side::left ? body::Leg::left : body::Leg::right;

@@ -35,8 +35,9 @@ public:
     Walker(const body::BodyModel& model, const WalkParams& params);
 
     /// Target velocity: m/s forward and left, deg/s turning left; clamped to
-    /// the parameters' limits. The walk approaches it at the limited
-    /// accelerations. Cancels walk_to().
+    /// the parameters' limits, and a combination scaled down so that the
+    /// shares of the limits it takes add up (squared) to one at most. The walk approaches it at the
+    /// limited accelerations. Cancels walk_to().
     void set_velocity(double forward, double sideways, double turn);
     /// Walks to (x, y) of the odometry's frame, turning toward it first when
     /// it lies far off the heading, and stops there.
@@ -66,6 +67,7 @@ public:
 
 private:
     void steer_to_spot();
+    Velocity limited(const Velocity& wanted) const;
     void accelerate();
     /// The velocity for the next step, turning back the drift.
     Velocity steered() const;

@@ -32,10 +32,27 @@ Walker::Walker(const body::BodyModel& model, const WalkParams& params)
       controller_(skills::JointController::Gains{params.joint_p, params.joint_d}),
       joints_(robot::joints_of(model.type())) {}
 
+Velocity Walker::limited(const Velocity& wanted) const {
+    Velocity velocity{std::clamp(wanted.forward, -params_.max_backward, params_.max_forward),
+                      std::clamp(wanted.sideways, -params_.max_sideways, params_.max_sideways),
+                      std::clamp(wanted.turn, -params_.max_turn, params_.max_turn)};
+    // Each limit holds alone; together they would ask for steps no leg can
+    // take, so a combination is scaled down into the ellipsoid they span.
+    const double forward =
+        velocity.forward / (velocity.forward < 0 ? params_.max_backward : params_.max_forward);
+    const double share =
+        std::sqrt(forward * forward + std::pow(velocity.sideways / params_.max_sideways, 2) +
+                  std::pow(velocity.turn / params_.max_turn, 2));
+    if (share > 1) {
+        velocity.forward /= share;
+        velocity.sideways /= share;
+        velocity.turn /= share;
+    }
+    return velocity;
+}
+
 void Walker::set_velocity(double forward, double sideways, double turn) {
-    target_.forward = std::clamp(forward, -params_.max_backward, params_.max_forward);
-    target_.sideways = std::clamp(sideways, -params_.max_sideways, params_.max_sideways);
-    target_.turn = std::clamp(turn, -params_.max_turn, params_.max_turn);
+    target_ = limited({forward, sideways, turn});
     spot_.reset();
     arrived_ = false;
 }
@@ -74,6 +91,7 @@ void Walker::steer_to_spot() {
         const double speed = std::min(params_.max_forward, params_.goto_gain * distance);
         target_.forward = speed * std::cos(bearing * radians_per_degree);
     }
+    target_ = limited(target_);
 }
 
 void Walker::accelerate() {
