@@ -90,6 +90,12 @@ double Trial::game_time() const {
     return monitor_->truth().time;
 }
 
+nlohmann::json Trial::record(const std::string& skill, const DrillOptions& options, int run,
+                             double start_time) const {
+    return {{"skill", skill},           {"type", options.type},    {"run", run},
+            {"start_time", start_time}, {"end_time", game_time()}, {"falls", falls_}};
+}
+
 FieldPose relative_to(const FieldPose& origin, const FieldPose& pose) {
     const double heading = origin.heading * radians_per_degree;
     const double dx = pose.x - origin.x;

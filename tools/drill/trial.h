@@ -7,6 +7,8 @@
 #include <orvo/perception/perception.h>
 #include <orvo/perception/perception_reader.h>
 
+#include <nlohmann/json.hpp>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -49,6 +51,10 @@ public:
     std::optional<FieldPose> pose() const;
     /// Game time by the monitor, seconds.
     double game_time() const;
+    /// What every drill reports of a run: "skill", "type", "run",
+    /// "start_time" (given) and "end_time" (now, game time) and "falls".
+    nlohmann::json record(const std::string& skill, const DrillOptions& options, int run,
+                          double start_time) const;
     /// Falls counted since the trial began.
     int falls() const { return falls_; }
     /// The torso's height (m) and tilt from upright (deg) by the monitor.

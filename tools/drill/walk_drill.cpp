@@ -101,12 +101,15 @@ nlohmann::json pose_json(const FieldPose& pose) {
     return {pose.x, pose.y, pose.heading};
 }
 
-nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
-                        const walk::WalkParams& params, int run, std::mt19937& random) {
-    Trial trial(options, start_spot);
-    walk::Walker walker(body::BodyModel::for_type(options.type), params);
+/// One cycle of the robot: the walk's update (timed, as the agent's own
+/// time per cycle), its joint speeds sent, the next perception read.
+struct Cycle {
+    Trial& trial;
+    walk::Walker& walker;
+    bool trace;
     std::vector<double> agent_us;
-    const auto cycle = [&] {
+
+    void operator()() {
         const auto begin = std::chrono::steady_clock::now();
         walker.update(trial.perception());
         const std::string command = joint_command(walker);
@@ -114,10 +117,17 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
             std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin)
                 .count());
         trial.step(command);
-        if (walk.trace) {
-            trace(trial, walker);
+        if (trace) {
+            drill::trace(trial, walker);
         }
-    };
+    }
+};
+
+nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
+                        const walk::WalkParams& params, int run, std::mt19937& random) {
+    Trial trial(options, start_spot);
+    walk::Walker walker(body::BodyModel::for_type(options.type), params);
+    Cycle cycle{trial, walker, walk.trace, {}};
     const int cycles_per_second = static_cast<int>(std::lround(1 / robot::cycle_seconds));
     for (int i = 0; i < stand_seconds * cycles_per_second; ++i) {
         cycle();
@@ -126,7 +136,7 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
     if (!trial.pose()) {
         throw std::runtime_error("the monitor never showed the robot");
     }
-    agent_us.clear();
+    cycle.agent_us.clear();
     const FieldPose start = *trial.pose();
     const double start_time = trial.game_time();
     if (walk.to) {
@@ -151,23 +161,16 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
     }
     trial.catch_up();
     const FieldPose end = *trial.pose();
-    const double end_time = trial.game_time();
-    const double elapsed = std::max(end_time - start_time, robot::cycle_seconds);
+    nlohmann::json result = trial.record("walk", options, run, start_time);
+    const double elapsed = std::max(trial.game_time() - start_time, robot::cycle_seconds);
     const FieldPose moved = relative_to(start, end);
-    nlohmann::json result = {
-        {"skill", "walk"},
-        {"type", options.type},
-        {"run", run},
-        {"start_time", start_time},
-        {"end_time", end_time},
-        {"falls", trial.falls()},
-        {"start", pose_json(start)},
-        {"end", pose_json(end)},
-        {"forward_mps", moved.x / elapsed},
-        {"sideways_mps", moved.y / elapsed},
-        {"turn_dps", moved.heading / elapsed},
-        {"agent_us_median", median(agent_us)},
-        {"odometry", {walker.odometry().x, walker.odometry().y, walker.odometry().heading}}};
+    result["start"] = pose_json(start);
+    result["end"] = pose_json(end);
+    result["forward_mps"] = moved.x / elapsed;
+    result["sideways_mps"] = moved.y / elapsed;
+    result["turn_dps"] = moved.heading / elapsed;
+    result["agent_us_median"] = median(cycle.agent_us);
+    result["odometry"] = {walker.odometry().x, walker.odometry().y, walker.odometry().heading};
     if (walk.paths) {
         path.push_back({end.x, end.y});
         result["path"] = path;
