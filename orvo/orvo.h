@@ -106,4 +106,12 @@
 #include <orvo/world/world_model.h>
 #include <orvo/world/world_params.h>
 
+// walk
+#include <orvo/walk/gait.h>
+#include <orvo/walk/leg_targets.h>
+#include <orvo/walk/param_set.h>
+#include <orvo/walk/skill_walk.h>
+#include <orvo/walk/walk_params.h>
+#include <orvo/walk/walker.h>
+
 #endif

@@ -1,0 +1,104 @@
+#include <orvo/walk/gait.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo::walk {
+
+namespace {
+
+constexpr double gravity = 9.81;
+constexpr double pi = 3.14159265358979323846;
+
+std::size_t at(Side side) {
+    return side == Side::left ? 0 : 1;
+}
+
+Offset blend(const Offset& from, const Offset& to, double share) {
+    return {from.x + (to.x - from.x) * share, from.y + (to.y - from.y) * share,
+            from.yaw + (to.yaw - from.yaw) * share};
+}
+
+} // namespace
+
+Gait::Gait(const WalkParams& params, double hip_offset)
+    : params_(params), hip_offset_(hip_offset) {}
+
+void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
+    const Side swing = other(support);
+    start_[at(Side::left)] = offset(Side::left);
+    start_[at(Side::right)] = offset(Side::right);
+    support_ = support;
+    phase_ = 0;
+    sway_scale_ = sway_scale;
+    const double time = params_.step_time;
+    // Forward and sideways: the support foot slides under the hips by half a
+    // step while the swing foot comes through to half a step beyond them.
+    Offset& support_end = end_[at(support)];
+    Offset& swing_end = end_[at(swing)];
+    support_end = {-velocity.forward * time / 2, -velocity.sideways * time / 2, 0};
+    swing_end = {velocity.forward * time / 2, velocity.sideways * time / 2, 0};
+    // Turning: two steps make one turn, which the leg on the turning side
+    // takes alone, so that the hip joints only ever turn a foot outward.
+    if (velocity.turn * sign(swing) > 0) {
+        swing_end.yaw = velocity.turn * 2 * time;
+    }
+}
+
+bool Gait::advance(double seconds) {
+    phase_ = std::min(1.0, phase_ + seconds / params_.step_time);
+    return phase_ >= 1;
+}
+
+double Gait::swing_share(double phase) const {
+    const double lifted = std::max(1e-6, 1 - params_.double_support);
+    return std::clamp((phase - params_.double_support / 2) / lifted, 0.0, 1.0);
+}
+
+Offset Gait::offset(Side side, double phase) const {
+    if (side == support_) {
+        return blend(start_[at(side)], end_[at(side)], phase);
+    }
+    const double share = (1 - std::cos(pi * swing_share(phase))) / 2;
+    return blend(start_[at(side)], end_[at(side)], share);
+}
+
+bool Gait::feet_together() const {
+    constexpr double metres = 1e-4;
+    constexpr double degrees = 0.1;
+    for (Side side : {Side::left, Side::right}) {
+        const Offset now = offset(side);
+        if (std::fabs(now.x) > metres || std::fabs(now.y) > metres ||
+            std::fabs(now.yaw) > degrees) {
+            return false;
+        }
+    }
+    return true;
+}
+
+double Gait::sway(double phase) const {
+    const double constant = std::sqrt(params_.com_height / gravity);
+    const double half = params_.step_time / 2;
+    const double shape =
+        1 - std::cosh((phase * params_.step_time - half) / constant) / std::cosh(half / constant);
+    return params_.zmp_y * sway_scale_ * shape;
+}
+
+SoleTarget Gait::stand_sole(Side side) const {
+    return {{params_.foot_x, sign(side) * (hip_offset_ + params_.foot_y), -params_.hip_height}, 0};
+}
+
+SoleTarget Gait::sole(Side side, double ahead) const {
+    const double phase = std::min(1.0, phase_ + ahead / params_.step_time);
+    SoleTarget target = stand_sole(side);
+    const Offset now = offset(side, phase);
+    target.position.x() += now.x;
+    target.position.y() += now.y - sign(support_) * sway(phase);
+    target.yaw = now.yaw;
+    if (side != support_ && phase < 1) {
+        target.position.z() += params_.step_height * std::sin(pi * swing_share(phase));
+    }
+    return target;
+}
+
+} // namespace orvo::walk

@@ -1,0 +1,54 @@
+#include <orvo/walk/walk_params.h>
+
+namespace orvo::walk {
+
+#define ORVO_WALK_PARAM(name) params.name = set[#name]
+
+WalkParams WalkParams::from(const ParamSet& set) {
+    WalkParams params;
+    ORVO_WALK_PARAM(step_time);
+    ORVO_WALK_PARAM(step_height);
+    ORVO_WALK_PARAM(double_support);
+    ORVO_WALK_PARAM(switch_phase);
+    ORVO_WALK_PARAM(contact_force);
+    ORVO_WALK_PARAM(hip_height);
+    ORVO_WALK_PARAM(lean);
+    ORVO_WALK_PARAM(foot_x);
+    ORVO_WALK_PARAM(foot_y);
+    ORVO_WALK_PARAM(com_height);
+    ORVO_WALK_PARAM(zmp_y);
+    ORVO_WALK_PARAM(start_sway);
+    ORVO_WALK_PARAM(max_forward);
+    ORVO_WALK_PARAM(max_backward);
+    ORVO_WALK_PARAM(max_sideways);
+    ORVO_WALK_PARAM(max_turn);
+    ORVO_WALK_PARAM(accel_forward);
+    ORVO_WALK_PARAM(accel_sideways);
+    ORVO_WALK_PARAM(accel_turn);
+    ORVO_WALK_PARAM(gyro_ankle_pitch);
+    ORVO_WALK_PARAM(gyro_ankle_roll);
+    ORVO_WALK_PARAM(gyro_hip_roll);
+    ORVO_WALK_PARAM(tilt_pitch);
+    ORVO_WALK_PARAM(tilt_roll);
+    ORVO_WALK_PARAM(tilt_filter);
+    ORVO_WALK_PARAM(arm_pitch);
+    ORVO_WALK_PARAM(arm_roll);
+    ORVO_WALK_PARAM(arm_swing);
+    ORVO_WALK_PARAM(heading_gain);
+    ORVO_WALK_PARAM(joint_p);
+    ORVO_WALK_PARAM(joint_d);
+    ORVO_WALK_PARAM(lookahead);
+    ORVO_WALK_PARAM(odometry_forward);
+    ORVO_WALK_PARAM(odometry_sideways);
+    ORVO_WALK_PARAM(odometry_turn);
+    ORVO_WALK_PARAM(goto_gain);
+    ORVO_WALK_PARAM(goto_turn_gain);
+    ORVO_WALK_PARAM(goto_radius);
+    ORVO_WALK_PARAM(goto_near);
+    ORVO_WALK_PARAM(goto_turn_only);
+    return params;
+}
+
+#undef ORVO_WALK_PARAM
+
+} // namespace orvo::walk

@@ -1,0 +1,68 @@
+#ifndef ORVO_WALK_WALK_PARAMS_H
+#define ORVO_WALK_WALK_PARAMS_H
+
+#include <orvo/core/export.h>
+#include <orvo/walk/param_set.h>
+
+namespace orvo::walk {
+
+/// Every number that shapes the walk of one robot type, by name, as the
+/// parameter file "walk/type<T>.json" holds them. Lengths in metres, angles in
+/// degrees, times in seconds.
+struct ORVO_API WalkParams {
+    // The step cycle.
+    double step_time = 0;      ///< one step, support switch to switch
+    double step_height = 0;    ///< how high the swing foot lifts
+    double double_support = 0; ///< share of a step with both feet down
+    double switch_phase = 0;   ///< earliest share of a step at which contact ends it
+    double contact_force = 0;  ///< newtons on the swing foot that count as contact
+    // The stance.
+    double hip_height = 0; ///< hip joints above the soles
+    double lean = 0;       ///< torso pitched forward
+    double foot_x = 0;     ///< soles ahead of the hips
+    double foot_y = 0;     ///< soles outside the hips
+    // The pendulum: the hips sway over the support foot.
+    double com_height = 0; ///< pendulum length; sets its time constant
+    double zmp_y = 0;      ///< pressure centre inside the support foot, from the hips' middle
+    double start_sway = 0; ///< share of the sway on the first and last step
+    // Speeds the walk takes, and how fast it changes them.
+    double max_forward = 0;
+    double max_backward = 0;
+    double max_sideways = 0;
+    double max_turn = 0;      ///< deg/s
+    double accel_forward = 0; ///< m/s per second
+    double accel_sideways = 0;
+    double accel_turn = 0; ///< deg/s per second
+    // Feedback from the gyroscope (deg of joint per deg/s) and the tilt.
+    double gyro_ankle_pitch = 0;
+    double gyro_ankle_roll = 0;
+    double gyro_hip_roll = 0;
+    double tilt_pitch = 0;  ///< hip pitch per degree of forward tilt beyond the lean
+    double tilt_roll = 0;   ///< hip roll per degree of sideways tilt
+    double tilt_filter = 0; ///< share of a new tilt reading taken each cycle
+    // Arms and joint control.
+    double arm_pitch = 0;
+    double arm_roll = 0;
+    double arm_swing = 0;    ///< shoulder pitch per metre of the foot's forward offset
+    double heading_gain = 0; ///< turn (deg/s) per degree of drift from the asked heading
+    double joint_p = 0;
+    double joint_d = 0;
+    double lookahead = 0; ///< the joints aim this far (s) ahead of the gait, for their lag
+    // What the walk believes it moved per commanded metre or degree.
+    double odometry_forward = 0;
+    double odometry_sideways = 0;
+    double odometry_turn = 0;
+    // Walking to a spot.
+    double goto_gain = 0;      ///< forward m/s per metre left
+    double goto_turn_gain = 0; ///< deg/s per degree off the spot's bearing
+    double goto_radius = 0;
+    double goto_near = 0; ///< within this it steps to the spot without turning    ///< close enough
+    double goto_turn_only = 0; ///< bearing beyond which it turns on the spot
+
+    /// Takes every field from `set`; throws ParamError naming a missing entry.
+    static WalkParams from(const ParamSet& set);
+};
+
+} // namespace orvo::walk
+
+#endif

@@ -1,0 +1,83 @@
+// The step cycle without a server: what each step does to the feet, for the
+// velocities the walk takes.
+#include <orvo/walk/gait.h>
+#include <orvo/walk/param_set.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+namespace {
+
+using orvo::walk::Gait;
+using orvo::walk::Side;
+using orvo::walk::Velocity;
+
+orvo::walk::WalkParams type0() {
+    return orvo::walk::WalkParams::from(
+        orvo::walk::ParamSet::load(std::string(ORVO_PARAMS) + "/walk/type0.json"));
+}
+
+/// Runs `steps` whole steps from the stand at `velocity`, starting on the
+/// right foot, and returns how far the support feet moved under the hips:
+/// the body's own motion, as the odometry counts it.
+Velocity walk(Gait& gait, const Velocity& velocity, int steps) {
+    Velocity moved;
+    Side support = Side::right;
+    for (int i = 0; i < steps; ++i) {
+        gait.begin(support, velocity, 1);
+        const auto before = gait.offset(support);
+        while (!gait.advance(0.02)) {
+        }
+        const auto after = gait.offset(support);
+        moved.forward += before.x - after.x;
+        moved.sideways += before.y - after.y;
+        moved.turn += before.yaw - after.yaw;
+        support = orvo::walk::other(support);
+    }
+    return moved;
+}
+
+TEST(Gait, StepsCoverTheVelocityAndTurnFeetOnlyOutward) {
+    const auto params = type0();
+    const Velocity cases[] = {{0.3, 0, 0}, {-0.2, 0, 0}, {0, 0.15, 0},  {0, -0.15, 0},
+                              {0, 0, 40},  {0, 0, -40},  {0.2, 0.1, 20}};
+    for (const Velocity& velocity : cases) {
+        SCOPED_TRACE(std::to_string(velocity.forward) + " " + std::to_string(velocity.sideways) +
+                     " " + std::to_string(velocity.turn));
+        Gait gait(params, 0.055);
+        constexpr int steps = 20;
+        const Velocity moved = walk(gait, velocity, steps);
+        // The first step starts from the stand, so it covers half a step; a
+        // turn is taken a stride at a time.
+        const double time = (steps - 0.5) * params.step_time;
+        EXPECT_NEAR(moved.forward, velocity.forward * time, 1e-9);
+        EXPECT_NEAR(moved.sideways, velocity.sideways * time, 1e-9);
+        EXPECT_NEAR(moved.turn, velocity.turn * time,
+                    2 * std::fabs(velocity.turn) * params.step_time);
+        for (Side side : {Side::left, Side::right}) {
+            EXPECT_GE(orvo::walk::sign(side) * gait.offset(side).yaw, -1e-9);
+        }
+        // Two steps at no velocity bring the feet back into the stand.
+        walk(gait, {}, 2);
+        EXPECT_TRUE(gait.feet_together());
+    }
+}
+
+TEST(Gait, SwayIsNoneAtTheSwitchAndTowardTheSupportFoot) {
+    auto params = type0();
+    params.zmp_y = 0.05;
+    Gait gait(params, 0.055);
+    gait.begin(Side::left, {}, 1);
+    EXPECT_NEAR(gait.sway(), 0, 1e-12);
+    gait.advance(params.step_time / 2);
+    EXPECT_GT(gait.sway(), 0);
+    // The hips over the left foot: both soles lie further right of them.
+    EXPECT_LT(gait.sole(Side::left).position.y(), gait.stand_sole(Side::left).position.y());
+    EXPECT_GT(gait.sole(Side::right).position.z(), gait.stand_sole(Side::right).position.z());
+    gait.advance(params.step_time);
+    EXPECT_NEAR(gait.sway(), 0, 1e-12);
+}
+
+} // namespace
