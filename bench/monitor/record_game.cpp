@@ -65,31 +65,14 @@ void play(const orvo::sim::SimServer& server, int index, std::atomic<int>& joine
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    if (argc < 2) {
-        std::fprintf(stderr, "usage: %s OUT.txt [ROBOTS_PER_TEAM] [GAME_SECONDS]\n", argv[0]);
-        return 2;
-    }
-    const int robots = 2 * (argc > 2 ? std::atoi(argv[2]) : 4);
-    const double seconds = argc > 3 ? std::atof(argv[3]) : 12.0;
-    orvo::sim::SimServer server;
-    orvo::monitor::MonitorClient trainer("127.0.0.1", server.monitor_port());
-    orvo::net::TCPSocket socket(orvo::net::Addr(0, orvo::net::Addr::ANY),
-                                orvo::net::Addr(static_cast<unsigned short>(server.monitor_port()),
-                                                std::string("127.0.0.1")));
+// Writes the monitor stream from the first scene that holds every robot on,
+// rolling the ball from a new spot every two seconds, until `seconds` of game
+// time have passed.
+void record(orvo::net::TCPSocket& socket, orvo::monitor::MonitorClient& trainer, int robots,
+            double seconds, std::ostream& out, orvo::monitor::SceneReader& reader) {
     orvo::net::FrameReader frames(8u << 20);
-    std::atomic<bool> stop{false};
-    std::atomic<int> joined{0};
-    std::vector<std::thread> players;
-    for (int i = 0; i < robots; ++i) {
-        players.emplace_back(play, std::cref(server), i, std::ref(joined), std::cref(stop));
-    }
-    std::ofstream out(argv[1]);
     std::string payload;
     std::string scene; // the latest whole scene, written once every robot is in it
-    orvo::monitor::SceneReader reader;
     bool started = false;
     int kicks = 0;
     while (frames.read(socket.getFD(), payload, 20000ms) == orvo::net::Received::message) {
@@ -120,6 +103,31 @@ int main(int argc, char** argv) {
             break;
         }
     }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s OUT.txt [ROBOTS_PER_TEAM] [GAME_SECONDS]\n", argv[0]);
+        return 2;
+    }
+    const int robots = 2 * (argc > 2 ? std::atoi(argv[2]) : 4);
+    const double seconds = argc > 3 ? std::atof(argv[3]) : 12.0;
+    orvo::sim::SimServer server;
+    orvo::monitor::MonitorClient trainer("127.0.0.1", server.monitor_port());
+    orvo::net::TCPSocket socket(orvo::net::Addr(0, orvo::net::Addr::ANY),
+                                orvo::net::Addr(static_cast<unsigned short>(server.monitor_port()),
+                                                std::string("127.0.0.1")));
+    std::atomic<bool> stop{false};
+    std::atomic<int> joined{0};
+    std::vector<std::thread> players;
+    for (int i = 0; i < robots; ++i) {
+        players.emplace_back(play, std::cref(server), i, std::ref(joined), std::cref(stop));
+    }
+    std::ofstream out(argv[1]);
+    orvo::monitor::SceneReader reader;
+    record(socket, trainer, robots, seconds, out, reader);
     stop = true;
     server.stop();
     for (auto& player : players) {
