@@ -8,6 +8,7 @@
 #include <orvo/core/architect.h>
 #include <orvo/core/constructable_proxy.h>
 #include <orvo/core/exception.h>
+#include <orvo/params/param_set.h>
 #include <orvo/core/export.h>
 #include <orvo/humanoid/base/constructable.h>
 
@@ -109,7 +110,6 @@
 // walk
 #include <orvo/walk/gait.h>
 #include <orvo/walk/leg_targets.h>
-#include <orvo/walk/param_set.h>
 #include <orvo/walk/skill_walk.h>
 #include <orvo/walk/walk_params.h>
 #include <orvo/walk/walker.h>

@@ -2,9 +2,14 @@
 #define ORVO_WALK_WALK_PARAMS_H
 
 #include <orvo/core/export.h>
-#include <orvo/walk/param_set.h>
+#include <orvo/params/param_set.h>
 
 namespace orvo::walk {
+
+using params::Param;
+using params::ParamError;
+using params::params_path;
+using params::ParamSet;
 
 /// Every number that shapes the walk of one robot type, by name, as the
 /// parameter file "walk/type<T>.json" holds them. Lengths in metres, angles in

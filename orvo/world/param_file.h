@@ -2,41 +2,37 @@
 #define ORVO_WORLD_PARAM_FILE_H
 
 #include <orvo/core/export.h>
+#include <orvo/params/param_set.h>
 
-#include <memory>
-#include <stdexcept>
+#include <set>
 #include <string>
 
 namespace orvo::world {
 
-/// A parameter file is missing, malformed, lacks an entry or holds a value
-/// outside the entry's own bounds.
-class ORVO_API ParamFileError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+/// A parameter file is missing, malformed, lacks an entry, holds a value
+/// outside the entry's own bounds or an entry nobody reads.
+using ParamFileError = params::ParamError;
 
-/// A JSON object whose every entry reads {"value": V, "min": A, "max": B}:
-/// the parameters of one robot type, with the bounds a search may move them in.
+/// The parameters of one robot type read one by one into a model's fields,
+/// with a final check that the file holds nothing else (a misspelt name would
+/// otherwise be silently ignored).
 class ORVO_API ParamFile {
 public:
-    explicit ParamFile(const std::string& path);
-    ~ParamFile();
-    ParamFile(const ParamFile&) = delete;
-    ParamFile& operator=(const ParamFile&) = delete;
+    explicit ParamFile(const std::string& path) : set_(params::ParamSet::load(path)) {}
 
-    /// The value of `key`, checked against its bounds.
-    double number(const char* key);
+    /// The value of `key`; throws when the file has no such entry.
+    double number(const char* key) {
+        read_.insert(key);
+        return set_[key];
+    }
     void read(const char* key, double& out) { out = number(key); }
     void read(const char* key, int& out) { out = static_cast<int>(number(key)); }
-    /// Refuses entries that no read asked for (a misspelt name would
-    /// otherwise be silently ignored).
+    /// Refuses entries that no read asked for.
     void check_no_others() const;
 
 private:
-    struct Doc;
-    std::unique_ptr<Doc> doc_;
-    std::string path_;
+    params::ParamSet set_;
+    std::set<std::string> read_;
 };
 
 } // namespace orvo::world

@@ -1,6 +1,6 @@
 // Parameter files: what a search may rely on (every value within its range)
 // and what the walk needs (every parameter of every robot type present).
-#include <orvo/walk/param_set.h>
+#include <orvo/params/param_set.h>
 #include <orvo/walk/walk_params.h>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include <orvo/walk/param_set.h>
+#include <orvo/params/param_set.h>
 
 #include <nlohmann/json.hpp>
 
@@ -7,7 +7,7 @@
 #include <sstream>
 #include <sys/stat.h>
 
-namespace orvo::walk {
+namespace orvo::params {
 
 namespace {
 
@@ -103,4 +103,4 @@ std::string params_path(const std::string& skill, int type) {
     return ORVO_INSTALLED_PARAMS_DIR + file;
 }
 
-} // namespace orvo::walk
+} // namespace orvo::params

@@ -1,5 +1,5 @@
-#ifndef ORVO_WALK_PARAM_SET_H
-#define ORVO_WALK_PARAM_SET_H
+#ifndef ORVO_PARAMS_PARAM_SET_H
+#define ORVO_PARAMS_PARAM_SET_H
 
 #include <orvo/core/export.h>
 
@@ -7,10 +7,10 @@
 #include <stdexcept>
 #include <string>
 
-namespace orvo::walk {
+namespace orvo::params {
 
 /// A parameter file could not be read, or one of its entries is unusable.
-class ParamError : public std::runtime_error {
+class ORVO_API ParamError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
@@ -55,6 +55,6 @@ private:
 /// that are not installed). The file is <dir>/<skill>/type<T>.json.
 ORVO_API std::string params_path(const std::string& skill, int type);
 
-} // namespace orvo::walk
+} // namespace orvo::params
 
 #endif
