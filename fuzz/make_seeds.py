@@ -5,6 +5,7 @@ The seeds are committed; run this again only to change them. Each seed is a
 small input that reaches one behaviour the fuzzer should start from.
 """
 import pathlib
+import re
 import struct
 
 root = pathlib.Path(__file__).resolve().parent / "corpus"
@@ -121,4 +122,21 @@ write(
     b"(See (F1L (pol 1 2 3)) (G2R (pol 10 11 12)) (B (pol 0.5 -10 -20)) (P (team orvo) (id 7) "
     b"(rfoot (pol 2 3 4)) (head (pol 1 2 3))) (L (pol 1 2 3) (pol 4 5 6)))"
     b"(hear orvo 12.40 -90.5 pass)(hear 12.42 self go)",
+)
+# Values that are not numbers, which cost only their element: the field line
+# a real server sent in a game of eleven robots, and the message above with
+# its numbers replaced in turn by "nan", "inf" and "-inf".
+write(
+    "perception_reader_fuzzer",
+    "nan_field_line",
+    b"(time (now 80.12))(GS (t 20.30) (pm PlayOn))(See (L (pol nan nan nan) "
+    b"(pol 8.46 -60.16 -3.84)) (B (pol 1 2 3)))(HJ (n hj1) (ax -0.00))",
+)
+every = (root / "perception_reader_fuzzer" / "every_element").read_bytes()
+bad = [b"nan", b"inf", b"-inf"]
+numbers = iter(range(1 << 30))
+write(
+    "perception_reader_fuzzer",
+    "not_finite_everywhere",
+    re.sub(rb"(?<= )-?[0-9.]+(?=[ )])", lambda m: bad[next(numbers) % 3], every),
 )
