@@ -109,7 +109,7 @@ for name, data in reader.items():
 # Perception messages: every message recorded from a real server, and one
 # made-up message with every kind of element the reader knows.
 recorded = pathlib.Path(__file__).resolve().parent.parent / "tests" / "perception" / "data"
-for recording in ("server-messages.txt", "team-messages.txt"):
+for recording in ("server-messages.txt", "team-messages.txt", "nonfinite-messages.txt"):
     lines = (recorded / recording).read_bytes().splitlines()
     for number, line in enumerate(lines, 1):
         write("perception_reader_fuzzer", f"{recording[:-4]}-{number:02}", line)

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <fstream>
 #include <regex>
 #include <string>
 
@@ -88,6 +90,28 @@ TEST(LostValues, AFieldLineWithANanEndIsTheOnlyLoss) {
     EXPECT_TRUE(p.vision.sees(Landmark::G1R));
     EXPECT_TRUE(p.has_time && p.has_game_state && p.has_gyroscope);
     EXPECT_EQ(p.joints.count(), 1u);
+}
+
+// Perceptions a real server sent in a game of eleven robots, each with a
+// "(pol nan nan nan)" in it: all else is read, and no value that is not a
+// number reaches the Perception.
+TEST(LostValues, RecordedPerceptionsWithNanKeepTheirSensorsAndJoints) {
+    std::ifstream file(std::string(RECORDED_DIR) + "/nonfinite-messages.txt");
+    PerceptionReader reader;
+    Perception p;
+    int messages = 0;
+    for (std::string message; std::getline(file, message); ++messages) {
+        const ReadResult result = reader.read(message, p);
+        ASSERT_TRUE(result) << result.describe();
+        EXPECT_GE(p.lost_elements, 1u);
+        EXPECT_TRUE(p.has_time && p.has_game_state && p.has_gyroscope && p.has_accelerometer);
+        EXPECT_EQ(p.joints.count(), 22u);
+        EXPECT_GT(p.vision.lines.size(), 0u);
+        for (const SeenLine& line : p.vision.lines) {
+            EXPECT_TRUE(std::isfinite(line.begin.distance) && std::isfinite(line.end.distance));
+        }
+    }
+    EXPECT_GE(messages, 1);
 }
 
 // A bad value does not hide faults of the message's shape after it.
