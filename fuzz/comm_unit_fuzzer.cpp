@@ -23,6 +23,7 @@
 // payload of the piece the call read first (the whole payload when that piece
 // is one complete frame).
 #include <orvo/net/comm_unit.h>
+#include <orvo/protocol/framing.h>
 
 #include "fuzz_input.h"
 
@@ -155,11 +156,7 @@ private:
         }
         const std::string payload = read.substr(prefix_size);
         const std::size_t nul = payload.find('\0');
-        const std::uint32_t length =
-            static_cast<std::uint32_t>(static_cast<unsigned char>(read[0])) << 24 |
-            static_cast<std::uint32_t>(static_cast<unsigned char>(read[1])) << 16 |
-            static_cast<std::uint32_t>(static_cast<unsigned char>(read[2])) << 8 |
-            static_cast<std::uint32_t>(static_cast<unsigned char>(read[3]));
+        const std::uint32_t length = orvo::protocol::read_length(read.data());
         // A frame whose rest never comes may be dropped ("") at any point.
         const bool complete = length <= payload.size();
         if (!complete && message.empty()) {

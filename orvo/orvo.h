@@ -32,6 +32,12 @@
 #include <orvo/debug/debug_drawings.h>
 #include <orvo/debug/drawing_command.h>
 
+// protocol
+#include <orvo/protocol/constants.h>
+#include <orvo/protocol/drawing_wire.h>
+#include <orvo/protocol/framing.h>
+#include <orvo/protocol/play_modes.h>
+
 // math
 #include <orvo/math/mvexception.h>
 #include <orvo/math/mvtools.h>

@@ -74,7 +74,7 @@ void agent_cycle(benchmark::State& state) {
     for (auto _ : state) {
         base.cycle(entries);
     }
-    if (base.log.actions.size() != entries) {
+    if (base.log.get_actions().size() != entries) {
         state.SkipWithError("the log did not stay at its size");
     }
 }

@@ -1,6 +1,7 @@
 // Round trip of a framed 1 KB message through a loopback echo server: the
 // CommUnit against a client that makes the same system calls by hand.
 #include <orvo/net/comm_unit.h>
+#include <orvo/protocol/framing.h>
 
 #include <benchmark/benchmark.h>
 
@@ -63,9 +64,7 @@ private:
         setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         static char frame[65536];
         while (read_all(fd, frame, 4)) {
-            std::uint32_t length;
-            std::memcpy(&length, frame, 4);
-            length = ntohl(length);
+            const std::uint32_t length = orvo::protocol::read_length(frame);
             if (length > sizeof frame - 4 || !read_all(fd, frame + 4, length)) {
                 break;
             }
@@ -120,10 +119,7 @@ void BM_DirectRoundTrip(benchmark::State& state) {
     setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     static char buffer[16384];
     for (auto _ : state) {
-        std::string frame(4 + payload.size(), '\0');
-        const std::uint32_t length = htonl(static_cast<std::uint32_t>(payload.size()));
-        std::memcpy(&frame[0], &length, 4);
-        std::memcpy(&frame[4], payload.data(), payload.size());
+        const std::string frame = orvo::protocol::frame(payload);
         if (write(fd, frame.data(), frame.size()) != static_cast<ssize_t>(frame.size())) {
             state.SkipWithError("short write");
             break;
@@ -143,8 +139,7 @@ void BM_DirectRoundTrip(benchmark::State& state) {
             }
             have += static_cast<std::size_t>(n);
             if (have >= 4) {
-                std::memcpy(&expected, buffer, 4);
-                expected = ntohl(expected);
+                expected = orvo::protocol::read_length(buffer);
             }
         }
         std::string reply(buffer + 4, strnlen(buffer + 4, have - 4));

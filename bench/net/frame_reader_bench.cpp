@@ -7,6 +7,7 @@
 // queues a batch of pieces with the clock stopped, then reads every frame of
 // the batch: what is timed is the receiving alone.
 #include <orvo/net/frame_reader.h>
+#include <orvo/protocol/framing.h>
 
 #include <benchmark/benchmark.h>
 
@@ -29,8 +30,7 @@ std::string perception_frame() {
         payload += "(HJ (n raj1) (ax -0.12))";
     }
     payload.resize(2700);
-    const std::uint32_t length = htonl(static_cast<std::uint32_t>(payload.size()));
-    return std::string(reinterpret_cast<const char*>(&length), 4) + payload;
+    return orvo::protocol::frame(payload);
 }
 
 class Batch {
@@ -117,9 +117,7 @@ void BM_HandLoop(benchmark::State& state) {
             end += static_cast<std::size_t>(n);
             std::size_t at = 0;
             while (end - at >= 4) {
-                std::uint32_t length;
-                std::memcpy(&length, buffer + at, 4);
-                length = ntohl(length);
+                const std::uint32_t length = orvo::protocol::read_length(buffer + at);
                 if (end - at - 4 < length) {
                     break;
                 }

@@ -5,6 +5,7 @@
 #include "world_model.h"
 
 #include <orvo/knowledgebase/injectors/injector_skill.h>
+#include <orvo/protocol/constants.h>
 
 #include <boost/make_shared.hpp>
 
@@ -21,8 +22,10 @@ void BeamTo::link(orvo::Class_Map& classes) {
 
 void BeamTo::operator()(const orvo::math::Vector2d& target) {
     // Servers accept beams to the own half only.
-    const float x = std::clamp(target.x, -15.0f, 0.0f);
-    const float y = std::clamp(target.y, -10.0f, 10.0f);
+    constexpr auto half_length = static_cast<float>(orvo::protocol::field_length / 2);
+    constexpr auto half_width = static_cast<float>(orvo::protocol::field_width / 2);
+    const float x = std::clamp(target.x, -half_length, 0.0f);
+    const float y = std::clamp(target.y, -half_width, half_width);
     char note[64];
     std::snprintf(note, sizeof note, "to (%.2f, %.2f)", x, y);
     boost::shared_ptr<orvo::knowledgebase::descriptors::Descriptor_Skill> record =

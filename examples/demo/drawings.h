@@ -1,9 +1,8 @@
 #ifndef ORVO_DEMO_DRAWINGS_H
 #define ORVO_DEMO_DRAWINGS_H
 
-#include "drawing_wire.h"
-
 #include <orvo/debug/drawing_command.h>
+#include <orvo/protocol/drawing_wire.h>
 
 #include <array>
 #include <cstddef>
@@ -11,8 +10,10 @@
 
 namespace demo {
 
+namespace wire = orvo::protocol::drawing;
+
 /// The demo's drawing commands. Each encodes itself in the layout of
-/// drawing_wire.h. They hold only plain arrays, since the collector deletes
+/// orvo/protocol/drawing_wire.h. They hold only plain arrays, since the collector deletes
 /// commands through the base class.
 class ShapeDrawing : public orvo::DrawingCommand {
 public:

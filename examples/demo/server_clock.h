@@ -1,6 +1,8 @@
 #ifndef ORVO_DEMO_SERVER_CLOCK_H
 #define ORVO_DEMO_SERVER_CLOCK_H
 
+#include <orvo/protocol/constants.h>
+
 namespace demo {
 
 /// Counts the agent's perceptions by the server's clock. Each perception
@@ -10,7 +12,7 @@ namespace demo {
 /// runs slower than real time.
 class ServerClock {
 public:
-    static constexpr double cycle_seconds = 0.02;
+    static constexpr double cycle_seconds = orvo::protocol::cycle_seconds;
 
     /// Notes a perception stamped with server time `now`, in seconds.
     void perceived(double now);

@@ -11,9 +11,10 @@ namespace demo {
 namespace {
 
 constexpr const char* source_file = "demo/settings.cpp";
-constexpr int source_line = 42;
 
-[[noreturn]] void fail(const std::string& file, unsigned line, const std::string& what) {
+/// `source_line` is where in this file the fault was found; `line` where in the settings file.
+[[noreturn]] void fail(int source_line, const std::string& file, unsigned line,
+                       const std::string& what) {
     throw orvo::Exception(orvo::gen_ffl_string(source_file, "read_settings", source_line),
                           file + ":" + std::to_string(line) + ": " + what, "Exception");
 }
@@ -26,7 +27,7 @@ unsigned int number(const std::string& file, unsigned line, const std::string& k
     const unsigned long parsed = std::strtoul(value.c_str(), &end, 10);
     if (value.empty() || value[0] == '-' || value[0] == '+' || *end != '\0' || errno != 0 ||
         parsed < low || parsed > high) {
-        fail(file, line,
+        fail(__LINE__, file, line,
              key + ": '" + value + "' is not " + kind + " (" + std::to_string(low) + "-" +
                  std::to_string(high) + ")");
     }
@@ -66,10 +67,10 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
             continue;
         }
         if (!(words >> value)) {
-            fail(file, line, key + ": value missing");
+            fail(__LINE__, file, line, key + ": value missing");
         }
         if (words >> extra) {
-            fail(file, line, key + ": one value expected, found also '" + extra + "'");
+            fail(__LINE__, file, line, key + ": one value expected, found also '" + extra + "'");
         }
         if (key == "host") {
             settings.host = value;
@@ -81,7 +82,7 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
             settings.drawing_port = number(file, line, key, value, 1, 65535, "a port");
         } else if (key == "team") {
             if (!is_name(value)) {
-                fail(file, line,
+                fail(__LINE__, file, line,
                      "team: '" + value + "' is not a team name (1-15 letters, digits, - or _)");
             }
             settings.team = value;
@@ -96,7 +97,7 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
         } else if (key == "motions") {
             settings.motions = value;
         } else {
-            fail(file, line, "unknown setting '" + key + "'");
+            fail(__LINE__, file, line, "unknown setting '" + key + "'");
         }
     }
 }

@@ -23,8 +23,6 @@ namespace demo {
 
 namespace {
 constexpr const char* source_file = "demo/team_agent.cpp";
-constexpr int line_not_connected = 47;
-constexpr int line_silent_server = 74;
 
 std::string where(const char* function, int line) {
     return orvo::gen_ffl_string(source_file, function, line);
@@ -48,7 +46,7 @@ void TeamAgent::link(orvo::Class_Map& classes) {
 void TeamAgent::run() {
     const Settings& settings = configuration->settings;
     if (!communit->is_connected()) {
-        throw orvo::Exception(where("run", line_not_connected),
+        throw orvo::Exception(where("run", __LINE__),
                               "cannot connect to the server at " + settings.host + ":" +
                                   std::to_string(settings.port) + " (is it running?)",
                               "Exception");
@@ -82,7 +80,7 @@ void TeamAgent::run() {
                                      " cycles of the game");
         }
         if (got == orvo::net::Received::timed_out) {
-            throw orvo::Exception(where("run", line_silent_server),
+            throw orvo::Exception(where("run", __LINE__),
                                   "no message from the server for " +
                                       std::to_string(settings.wait) + " s",
                                   "Exception");
@@ -163,7 +161,7 @@ void TeamAgent::report(std::ostream& out) {
     out << joints;
     action_log->print(out);
     out << '\n';
-    if (action_log->current_action != action_log->actions.end()) {
+    if (action_log->get_current_action() != action_log->get_actions().end()) {
         out << "current action: " << action_log->to_eval() << '\n';
     }
     if (!cycle_micros.empty()) {

@@ -10,7 +10,6 @@ namespace demo {
 
 namespace {
 constexpr const char* source_file = "demo/team_configuration.cpp";
-constexpr int line_init = 11;
 } // namespace
 
 void TeamConfiguration::init() {
@@ -23,7 +22,7 @@ void TeamConfiguration::init() {
     try {
         orvo::net::Addr(static_cast<unsigned short>(settings.port), settings.host);
     } catch (const orvo::net::HostNotFound& failure) {
-        throw orvo::Exception(orvo::gen_ffl_string(source_file, "init", line_init),
+        throw orvo::Exception(orvo::gen_ffl_string(source_file, "init", __LINE__),
                               "cannot resolve the server host '" + settings.host +
                                   "' (setting 'host' of " + file + "): " + failure.what(),
                               "Exception");

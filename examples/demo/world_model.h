@@ -1,14 +1,13 @@
 #ifndef ORVO_DEMO_WORLD_MODEL_H
 #define ORVO_DEMO_WORLD_MODEL_H
 
-#include "drawing_wire.h"
-
 #include <orvo/debug/debug_drawings.h>
 #include <orvo/humanoid/base/constructable.h>
 #include <orvo/math/polygon.h>
 #include <orvo/math/vector2d.h>
 #include <orvo/math/vector3d.h>
 #include <orvo/perception/perception.h>
+#include <orvo/protocol/drawing_wire.h>
 #include <orvo/robot/joints.h>
 
 #include <map>
@@ -17,6 +16,8 @@
 #include <vector>
 
 namespace demo {
+
+namespace wire = orvo::protocol::drawing;
 
 class TeamConfiguration;
 

@@ -12,7 +12,10 @@ public:
     void link(Class_Map& classes) override;
     std::string get_name() const override;
 
-    /// Null until link().
+    /// The map it was linked with; null until link().
+    Class_Map* get_classes() const { return classes; }
+
+private:
     Class_Map* classes = nullptr;
 };
 

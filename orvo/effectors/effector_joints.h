@@ -17,6 +17,9 @@ class ORVO_API Effector_Joints : public Effector {
 public:
     Effector_Joints();
     ~Effector_Joints() override;
+    /// Throws LogicException when "messenger" or "injector_effector" is of
+    /// another class, which the link left as null.
+    void init() override;
     /// "effector_joints".
     std::string get_name() const override;
 

@@ -56,6 +56,11 @@ public:
 private:
     /// `scale` bounds the magnitude of the node coordinates.
     void cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale);
+    /// Removes the corners strictly between `keep` and `drop`; returns the
+    /// corner that follows `keep` afterwards, a recycled or spare one.
+    Corner_List::iterator bridge_corner(Corner_List::iterator keep, Corner_List::iterator drop);
+    /// `drop` starts at the crossing (x, y) and leads to the node after it.
+    void restart_at_crossing(Corner_List::iterator drop, float x, float y);
     void measure(const Vector2d& p);
     /// A node of the spare list, made if there is none.
     Corner_List::iterator spare_node();

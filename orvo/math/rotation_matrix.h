@@ -23,8 +23,8 @@ public:
     /// zero vector gives the identity.
     explicit RotationMatrix(const Vector3<double>& r);
 
-    /// Element (row, column).
-    double& operator()(int row, int column) { return m[3 * column + row]; }
+    /// Element (row, column). Elements change only through the constructors
+    /// and the rotations, which keep the matrix a rotation.
     const double& operator()(int row, int column) const { return m[3 * column + row]; }
 
     /// Rotate about the matrix's own x, y or z axis (multiply by the
@@ -46,9 +46,9 @@ public:
     /// rounding leaves a residue.
     void getAngleAxis(Vector3<double>& axis, double& angle) const;
 
+private:
     double m[9];
 
-private:
     void set_axis_angle(double x, double y, double z, double angle);
 };
 

@@ -13,14 +13,9 @@
 
 namespace orvo::net {
 
-/// The body that all copies of one Addr share.
-struct ORVO_API AddrImpl {
-    /// Family, port and host in network byte order.
-    sockaddr_in addr;
-    /// The name the address was built from, or the dotted quad once asked for;
-    /// empty until then.
-    std::string host_text;
-};
+/// The body that all copies of one Addr share: the structure and the cached
+/// host text, which only Addr itself may change so that the two agree.
+struct AddrImpl;
 
 /// An IPv4 endpoint. Copies share one body on purpose: a socket that accepts
 /// into an address, or a setPort() on any copy, is seen through every copy.
@@ -42,7 +37,7 @@ public:
     explicit Addr(const sockaddr_in& addr);
 
     /// The shared structure itself, as the system calls want it.
-    const sockaddr_in& getAddr() const { return body->addr; }
+    const sockaddr_in& getAddr() const;
     /// Host byte order.
     unsigned int getHost() const;
     unsigned short getPort() const;

@@ -3,6 +3,7 @@
 
 #include <orvo/core/export.h>
 #include <orvo/net/errors.h>
+#include <orvo/protocol/framing.h>
 
 #include <chrono>
 #include <cstddef>
@@ -44,7 +45,7 @@ private:
 /// the network split them. One reader per connection.
 class ORVO_API FrameReader {
 public:
-    static constexpr std::uint32_t default_limit = 1u << 20; // 1 MiB
+    static constexpr std::uint32_t default_limit = protocol::max_frame_size;
     /// Every receive offers at least this many bytes of room, so a read never
     /// has to be cut short by the reader.
     static constexpr std::size_t min_room = 16384;

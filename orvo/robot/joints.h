@@ -2,6 +2,7 @@
 #define ORVO_ROBOT_JOINTS_H
 
 #include <orvo/core/export.h>
+#include <orvo/protocol/constants.h>
 
 #include <algorithm>
 #include <array>
@@ -50,8 +51,8 @@ constexpr int robot_types = 5;
 constexpr double max_joint_speed_rad = 6.14;
 constexpr double max_joint_speed_deg = 351.77;
 /// The server applies a joint's speed for one cycle of this length.
-constexpr double cycle_seconds = 0.02;
-constexpr double degrees_per_radian = 57.29577951308232;
+using protocol::cycle_seconds;
+using protocol::degrees_per_radian;
 
 /// What the server knows of one joint: the name its angle is reported under
 /// ("(HJ (n hj1) (ax DEG))"), the name of its speed command ("(he1 RAD/S)")

@@ -26,6 +26,9 @@ public:
     ~Skill_Joints() override;
     /// Fetches "injector_skill", then "effector_joints".
     void link(Class_Map& classes) override;
+    /// Throws LogicException when a collaborator registered under its name is
+    /// of another class, which the link left as null.
+    void init() override;
     /// "skill_joints".
     std::string get_name() const override;
 

@@ -1,4 +1,3 @@
-#include <orvo/core/agent.h>
 #include <orvo/core/constructable_proxy.h>
 #include <orvo/humanoid/base/constructable.h>
 
@@ -59,19 +58,11 @@ TEST(ConstructableProxy, KeepsTheMapItWasLinkedWith) {
     auto* proxy = dynamic_cast<orvo::Constructable_Proxy*>(made);
     ASSERT_NE(proxy, nullptr);
     EXPECT_EQ(proxy->get_name(), "constructable_proxy");
-    EXPECT_EQ(proxy->classes, nullptr);
+    EXPECT_EQ(proxy->get_classes(), nullptr);
     orvo::Class_Map classes;
     proxy->link(classes);
-    EXPECT_EQ(proxy->classes, &classes);
+    EXPECT_EQ(proxy->get_classes(), &classes);
     destroy(made);
-}
-
-TEST(Roles, AgentIsRegisteredAsAgent) {
-    struct QuietAgent : orvo::Agent {
-        void link(orvo::Class_Map&) override {}
-        void run() override {}
-    } agent;
-    EXPECT_EQ(agent.get_name(), "agent");
 }
 
 } // namespace

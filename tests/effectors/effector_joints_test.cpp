@@ -1,3 +1,4 @@
+#include <support/failure.h>
 #include <support/joint_agent.h>
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ TEST_F(JointComponents, TheEffectorSendsTheGivenJointsInOneMessage) {
     const std::string sent = "(he1 0.500)(he2 -0.300)(lae1 6.140)(rle6 0.000)";
     EXPECT_EQ(next_frame(), sent);
     EXPECT_EQ(next_frame(100), "");
-    const auto& recorded = log.current_action->second->get_effector("effector_joints");
+    const auto& recorded = log.get_current_action()->second->get_effector("effector_joints");
     EXPECT_EQ(recorded->get_message(), sent);
     EXPECT_EQ(boost::any_cast<JointSet>(recorded->get_property("joints").get_value()), joints);
     EXPECT_EQ(boost::any_cast<JointValues>(recorded->get_property("speeds").get_value())[2], 6.14);
@@ -80,15 +81,49 @@ TEST_F(JointComponents, TheSkillSendsEveryJointOfTheRobotOncePerCycle) {
                 EXPECT_LE(std::fabs(std::stod((*at)[2])), orvo::robot::max_joint_speed_rad);
             }
             EXPECT_EQ(joint, orvo::robot::joints_of_type(type)) << frame;
-            EXPECT_EQ(log.current_action->second->get_effector_chain(), frame);
+            EXPECT_EQ(log.get_current_action()->second->get_effector_chain(), frame);
         }
         EXPECT_EQ(next_frame(100), "");
         std::ostringstream record;
-        log.current_action->second->get_skill_chain().front()->print(record);
+        log.get_current_action()->second->get_skill_chain().front()->print(record);
         // 0.104 of the way after 0.04 s; only type 4 drives (and counts) its toes.
         EXPECT_EQ(record.str(),
                   "skill_joints: pose, " + std::to_string(orvo::robot::joints_of_type(type)) +
                       " joints, worst error " + (type == 4 ? "6.24" : "3.12") + " deg");
+    }
+}
+
+// A collaborator of the wrong class links as null; the first cycle would
+// then call through it. Init refuses instead.
+TEST(JointComponentsInit, ACollaboratorOfAnotherClassFailsInit) {
+    struct Stranger : orvo::Constructable {
+        void link(orvo::Class_Map&) override {}
+        std::string get_name() const override { return "stranger"; }
+    };
+    const std::pair<const char*, const char*> cases[] = {
+        {"messenger", "\"messenger\" is not a Messenger"},
+        {"injector_effector", "\"injector_effector\" is not an Injector_Effector"},
+        {"injector_skill", "\"injector_skill\" is not an Injector_Skill"},
+        {"effector_joints", "\"effector_joints\" is not an Effector_Joints"}};
+    for (const auto& [name, message] : cases) {
+        orvo::communication::Messenger messenger;
+        orvo::knowledgebase::injectors::Injector_Skill skills;
+        orvo::knowledgebase::injectors::Injector_Effector effectors;
+        orvo::effectors::Effector_Joints effector;
+        orvo::skills::Skill_Joints skill;
+        Stranger stranger;
+        orvo::Class_Map classes{{"messenger", &messenger},
+                                {"injector_skill", &skills},
+                                {"injector_effector", &effectors},
+                                {"effector_joints", &effector}};
+        classes[name] = &stranger;
+        const bool skill_side =
+            std::string(name).rfind("injector_e", 0) != 0 && std::string(name) != "messenger";
+        orvo::Constructable& component =
+            skill_side ? static_cast<orvo::Constructable&>(skill) : effector;
+        component.link(classes);
+        const std::string got = orvo_test::failure<orvo::LogicException>([&] { component.init(); });
+        EXPECT_EQ(got.substr(got.find(" | ") + 3), message) << got;
     }
 }
 

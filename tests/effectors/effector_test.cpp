@@ -88,7 +88,7 @@ TEST(Effector, AnActionTravelsFromBehaviorThroughSkillAndEffectorIntoTheLog) {
     head("(he1 20)");
     EXPECT_EQ(log.to_eval(), "(log (action (initiator watch_ball)(skill_chain (skill (id "
                              "look)))(effectors (effector (id head)))))");
-    EXPECT_EQ(log.current_action->second->get_effector_chain(), "(he1 20)");
+    EXPECT_EQ(log.get_current_action()->second->get_effector_chain(), "(he1 20)");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #ifndef ORVO_TESTS_EXAMPLES_CHILD_PROCESS_H
 #define ORVO_TESTS_EXAMPLES_CHILD_PROCESS_H
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -31,6 +32,14 @@ public:
             args.push_back(const_cast<char*>(arg.c_str()));
         }
         args.push_back(nullptr);
+        // Built before the fork: the child of a threaded test may only make
+        // async-signal-safe calls, which setting the environment is not.
+        const std::vector<std::string> variables = merged_environment(environment);
+        std::vector<char*> envp;
+        for (const auto& variable : variables) {
+            envp.push_back(const_cast<char*>(variable.c_str()));
+        }
+        envp.push_back(nullptr);
         pid = fork();
         if (pid < 0) {
             throw std::runtime_error("fork failed");
@@ -42,10 +51,7 @@ public:
                 chdir(directory.c_str()) != 0) {
                 _exit(126);
             }
-            for (const auto& entry : environment) {
-                putenv(const_cast<char*>(entry.c_str()));
-            }
-            execv(args[0], args.data());
+            execve(args[0], args.data(), envp.data());
             _exit(127);
         }
     }
@@ -90,6 +96,21 @@ public:
     }
 
 private:
+    /// This process's environment with `changes` ("NAME=VALUE") replacing or adding entries.
+    static std::vector<std::string> merged_environment(const std::vector<std::string>& changes) {
+        std::vector<std::string> merged;
+        for (char** entry = environ; *entry != nullptr; ++entry) {
+            const std::string variable = *entry;
+            const std::string name = variable.substr(0, variable.find('=') + 1);
+            if (std::none_of(changes.begin(), changes.end(),
+                             [&](const std::string& c) { return c.rfind(name, 0) == 0; })) {
+                merged.push_back(variable);
+            }
+        }
+        merged.insert(merged.end(), changes.begin(), changes.end());
+        return merged;
+    }
+
     pid_t pid = -1;
     bool reaped = false;
     int status_code = -1;

@@ -49,19 +49,13 @@ protected:
         std::ofstream(file, std::ios::trunc) << out.str();
     }
 
-    std::unique_ptr<orvo_test::ChildProcess> start_host(const std::string& name,
-                                                        const std::string& library_path) {
-        const std::string dir = scratch.path.string();
-        return std::make_unique<orvo_test::ChildProcess>(
-            std::vector<std::string>{dir + "/demo"}, dir, dir + "/" + name + ".out",
-            dir + "/" + name + ".err", std::vector<std::string>{"LD_LIBRARY_PATH=" + library_path});
-    }
-
     /// Runs one host against nothing in particular; returns its exit status.
-    int run_alone(const std::string& library_path = DEMO_PLUGIN_DIR) {
-        auto host = start_host("alone", library_path);
-        const int status = host->wait_for(30s);
-        error = host->error_text();
+    int run_alone() {
+        const std::string dir = scratch.path.string();
+        orvo_test::ChildProcess host({dir + "/demo"}, dir, dir + "/alone.out", dir + "/alone.err",
+                                     {"LD_LIBRARY_PATH=" DEMO_PLUGIN_DIR});
+        const int status = host.wait_for(30s);
+        error = host.error_text();
         return status;
     }
 
@@ -195,25 +189,44 @@ std::string lines(const std::vector<std::string>& text) {
     return joined;
 }
 
-TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerception) {
-    orvo_test::ScratchDir scratch;
-    const DemoRun run = play(scratch.path / "run", {"--cycles", "100"});
-    ASSERT_EQ(lines(faults(run)), "") << run.output;
-
-    // What the server received from each connection, in order, by connection number.
+/// What the server received from each connection, in order, by connection number.
+std::map<int, std::vector<std::string>> messages_by_connection(const fs::path& dir) {
     std::map<int, std::vector<std::string>> by_connection;
-    std::ifstream log(run.dir / "server-log.txt");
+    std::ifstream log(dir / "server-log.txt");
     for (int connection = 0, unum = 0, cycle = 0; log >> connection >> unum >> cycle;) {
         std::string message;
         std::getline(log >> std::ws, message);
         by_connection[connection].push_back(message);
     }
+    return by_connection;
+}
+
+/// The messages of the effector records in an agent's action log dump, oldest first.
+std::vector<std::string> effector_records(const std::string& output) {
+    std::vector<std::string> recorded;
+    const std::regex effector("-> Effector \\(effector_(beam|joints): (.*)\\)$");
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (std::regex_search(line, match, effector)) {
+            recorded.push_back(match[2]);
+        }
+    }
+    return recorded;
+}
+
+TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerception) {
+    orvo_test::ScratchDir scratch;
+    const DemoRun run = play(scratch.path / "run", {"--cycles", "100"});
+    ASSERT_EQ(lines(faults(run)), "") << run.output;
+
+    const auto by_connection = messages_by_connection(run.dir);
     const char types[] = "00000111122";
     for (int n = 1; n <= team_size; ++n) {
         const Report& agent = run.agents[n - 1];
         SCOPED_TRACE(agent.agent);
         // Connections are numbered in the order the agents started.
-        const auto& messages = by_connection[n];
+        const auto& messages = by_connection.at(n);
         ASSERT_GE(messages.size(), 3u);
         EXPECT_EQ(messages[0],
                   std::string("(scene rsg/agent/nao/nao_hetero.rsg ") + types[n - 1] + ")");
@@ -231,15 +244,7 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
 
         // The action log's effector records, oldest first, are the tail of
         // what the server received, in the same order.
-        std::vector<std::string> recorded;
-        const std::regex effector("-> Effector \\(effector_(beam|joints): (.*)\\)$");
-        std::istringstream output(agent.output);
-        for (std::string line; std::getline(output, line);) {
-            std::smatch match;
-            if (std::regex_search(line, match, effector)) {
-                recorded.push_back(match[2]);
-            }
-        }
+        const std::vector<std::string> recorded = effector_records(agent.output);
         ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a joint command each
         ASSERT_LE(recorded.size(), commands.size());
         const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
@@ -250,8 +255,6 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
         EXPECT_EQ(count_of(agent.output, "[Descriptor_Action] Behavior(behavior_hold_position)"),
                   10u)
             << agent.output;
-        EXPECT_EQ(count_of(agent.output, "-> Skill (skill_find_cell: "), 10u);
-        EXPECT_EQ(count_of(agent.output, "-> Skill (skill_joints: "), 10u);
         // Every joint of the robot's type in one command a cycle.
         EXPECT_EQ(count_of(recorded.back(), ")("), 21u) << recorded.back();
         EXPECT_EQ(count_of(agent.output, "effector_beam"), 0u);
@@ -261,8 +264,6 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
                                     "(effector (id effector_joints)))))\n"),
                   std::string::npos)
             << agent.output;
-        EXPECT_NE(agent.output.find("processing time per cycle (receive to send): min "),
-                  std::string::npos);
     }
 
     // The picture shows every agent and its cell.
@@ -281,23 +282,9 @@ TEST(DemoTeam, ATeamOfOneRobotTypeIsCaught) {
         << found << run.output;
 }
 
-TEST_F(DemoGame, MissingPlugInsMalformedSettingsAndWrongPortsStopTheHost) {
-    EXPECT_EQ(run_alone("/nonexistent"), 1);
-    EXPECT_NE(error.find("Failed to open shared library!"), std::string::npos) << error;
-
-    std::ofstream(scratch.path / "config" / "classes.cfg", std::ios::app) << "skill_kick\n";
-    EXPECT_EQ(run_alone(), 1);
-    EXPECT_NE(error.find("undefined symbol: create_skill_kick"), std::string::npos) << error;
-    fs::copy(DEMO_CONFIG_DIR "/classes.cfg", scratch.path / "config" / "classes.cfg",
-             fs::copy_options::overwrite_existing);
-
-    set("port", "31x0");
-    EXPECT_EQ(run_alone(), 1);
-    EXPECT_NE(error.find("demo/settings.cpp: In function 'read_settings'"), std::string::npos);
-    EXPECT_NE(error.find("config/server.cfg:4: port: '31x0' is not a port (1-65535)"),
-              std::string::npos)
-        << error;
-
+// Missing plug-ins and malformed settings are the host's and the settings
+// reader's own tests; here the demo meets a server that is not there.
+TEST_F(DemoGame, AServerThatIsNotThereStopsTheHostWithAReason) {
     const std::string port = std::to_string(orvo_test::released_port().getPort());
     set("port", port);
     EXPECT_EQ(run_alone(), 1);

@@ -32,8 +32,8 @@ TEST(ActionLog, NewLogAndBaseModuleRenderTheirEmptyState) {
     EXPECT_EQ(log.get_name(), "actionlog");
     EXPECT_EQ(printed(log), header);
     EXPECT_EQ(log.to_eval(), "(log )");
-    EXPECT_TRUE(log.current_action == log.actions.end());
-    EXPECT_TRUE(log.previous_action == log.actions.end());
+    EXPECT_TRUE(log.get_current_action() == log.get_actions().end());
+    EXPECT_TRUE(log.get_previous_action() == log.get_actions().end());
     struct OnlyModule : orvo::knowledgebase::KnowledgeBase_Module {
         void link(orvo::Class_Map&) override {}
         std::string get_name() const override { return "only"; }

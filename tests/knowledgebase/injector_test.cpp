@@ -28,14 +28,14 @@ struct StickyInjector : kb::injectors::Injector_Action {
 struct StickyLog : LinkedLog {
     StickyInjector sticky;
     StickyLog() { sticky.link(classes); }
-    const Action& current() const { return log.current_action->second; }
+    const Action& current() const { return log.get_current_action()->second; }
     bool marks_at(unsigned int previous, unsigned int current) const {
-        return log.previous_action == log.actions.find(previous) &&
-               log.current_action == log.actions.find(current);
+        return log.get_previous_action() == log.get_actions().find(previous) &&
+               log.get_current_action() == log.get_actions().find(current);
     }
     Times times() const {
         Times kept;
-        for (const auto& entry : log.actions) {
+        for (const auto& entry : log.get_actions()) {
             kept.push_back(entry.first);
         }
         return kept;
@@ -57,7 +57,7 @@ TEST(InjectorAction, StickinessFollowsOnlyAnActionWithEffectors) {
     EXPECT_EQ(linked.sticky.calls[0].second, linked.current());
     EXPECT_EQ(linked.current()->get_initiator(), "third");
     EXPECT_TRUE(linked.marks_at(2, 3));
-    EXPECT_EQ(linked.log.start_time, 1u);
+    EXPECT_EQ(linked.log.get_start_time(), 1u);
 }
 
 TEST(InjectorAction, FirstActionOfATimeStaysAndBothMarksMeetOnIt) {
@@ -89,7 +89,7 @@ TEST(InjectorAction, MarksOnTrimmedEntriesMoveToTheEnd) {
     linked.sticky("third", 3, 2);
     ASSERT_EQ(linked.sticky.calls.size(), 1u);
     linked.sticky.resize_action_log(10, 1);
-    EXPECT_TRUE(linked.log.actions.empty());
+    EXPECT_TRUE(linked.log.get_actions().empty());
     EXPECT_TRUE(linked.marks_at(~0u, ~0u));
 }
 
@@ -97,13 +97,13 @@ TEST(InjectorAction, EachInstanceSetsTheStartTimeOnItsOwnFirstInjection) {
     LinkedLog linked;
     linked.inject_action("b", 3, 100);
     linked.inject_action("b", 4, 100);
-    EXPECT_EQ(linked.log.start_time, 3u);
+    EXPECT_EQ(linked.log.get_start_time(), 3u);
     kb::injectors::Injector_Action second;
     second.link(linked.classes);
     second("b", 7, 100);
     linked.inject_action("b", 8, 100);
     second("b", 9, 100);
-    EXPECT_EQ(linked.log.start_time, 7u);
+    EXPECT_EQ(linked.log.get_start_time(), 7u);
 }
 
 TEST(InjectorSkillAndEffector, AppendEverySkillAndReplaceAnEffectorsInvocation) {
@@ -122,8 +122,8 @@ TEST(InjectorSkillAndEffector, AppendEverySkillAndReplaceAnEffectorsInvocation) 
     EXPECT_EQ(linked.log.to_eval(), "(log (action (initiator c)(skill_chain (skill (id walk)) "
                                     "(skill (id turn)) (skill (id walk)))(effectors (effector (id "
                                     "head)) (effector (id legs)))))");
-    EXPECT_EQ(linked.log.actions.at(1)->get_skill_chain().size(), 1u);
-    const Action& action = linked.log.current_action->second;
+    EXPECT_EQ(linked.log.get_actions().at(1)->get_skill_chain().size(), 1u);
+    const Action& action = linked.log.get_current_action()->second;
     EXPECT_EQ(action->get_effector("legs"), second);
     EXPECT_EQ(first.use_count(), 1);
     EXPECT_EQ(action->get_effector_chain(), "(head)(second)");

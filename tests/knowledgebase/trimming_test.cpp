@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <iterator>
 #include <random>
 #include <set>
@@ -39,25 +40,30 @@ TEST(Trimming, ErasesExactlyWhatAWalkOverTheWholeLogErases) {
                                            static_cast<unsigned int>(random() % 64)};
         const unsigned int retention = retentions[random() % 8];
 
+        // Filled through the injector, which trims nothing but the time just
+        // after `at` when it keeps everything; its last two injections leave
+        // the marks on arbitrary entries.
         LinkedLog linked;
-        auto& actions = linked.log.actions;
         for (int count = random() % 12; count > 0; --count) {
-            actions.emplace(pick(random, now, retention),
-                            boost::make_shared<Descriptor_Action>("b"));
+            const unsigned int at = pick(random, now, retention);
+            linked.inject_action("b", at, 0xFFFFFFFFu);
         }
+        const auto& actions = linked.log.get_actions();
         std::set<unsigned int> expected;
         for (const auto& entry : actions) {
             if (now - entry.first < retention) {
                 expected.insert(entry.first);
             }
         }
-        // Marks anywhere in the log or at its end; an erased one moves to the end.
-        auto& marks = linked.log;
-        const Descriptor_Action* marked[2] = {};
-        for (auto* mark : {&marks.current_action, &marks.previous_action}) {
-            *mark = std::next(actions.begin(), random() % (actions.size() + 1));
-            const bool survives = *mark != actions.end() && expected.count((*mark)->first) != 0;
-            marked[mark == &marks.previous_action] = survives ? (*mark)->second.get() : nullptr;
+        // A mark whose entry survives keeps it; an erased one moves to the end.
+        const auto marks = [&] {
+            return std::array{linked.log.get_current_action(), linked.log.get_previous_action()};
+        };
+        std::array<const Descriptor_Action*, 2> marked{};
+        for (int which = 0; which < 2; ++which) {
+            const auto mark = marks()[which];
+            const bool survives = mark != actions.end() && expected.count(mark->first) != 0;
+            marked[which] = survives ? mark->second.get() : nullptr;
         }
 
         linked.inject_action.resize_action_log(now, retention);
@@ -68,7 +74,7 @@ TEST(Trimming, ErasesExactlyWhatAWalkOverTheWholeLogErases) {
         }
         ASSERT_EQ(kept, expected) << "now " << now << " retention " << retention;
         for (int which = 0; which < 2; ++which) {
-            const auto mark = which == 0 ? marks.current_action : marks.previous_action;
+            const auto mark = marks()[which];
             EXPECT_EQ(mark == actions.end() ? nullptr : mark->second.get(), marked[which]);
         }
     }

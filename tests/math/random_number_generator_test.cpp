@@ -48,17 +48,3 @@ TEST(Random_Number_Generator, IsAComponentSeededWithTheMicrosecondsOfInit) {
     }
     EXPECT_TRUE(reproduced);
 }
-
-TEST(Random_Number_Generator, InitAgainReplacesTheGeneratorAndCopiesOutliveIt) {
-    boost::shared_ptr<gsl_rng> kept;
-    {
-        Random_Number_Generator generator;
-        generator.init();
-        kept = generator.rng;
-        generator.init();
-        EXPECT_NE(generator.rng.get(), kept.get());
-        EXPECT_EQ(kept.use_count(), 1);
-    }
-    // Still usable after the component is gone; freed when `kept` goes.
-    EXPECT_LE(gsl_rng_uniform(kept.get()), 1.0);
-}

@@ -46,7 +46,7 @@ M3 as_m3(const RotationMatrix& r) {
     M3 m{};
     for (int i = 0; i < 3; ++i)
         for (int j = 0; j < 3; ++j)
-            m[i][j] = r.m[3 * j + i];
+            m[i][j] = r(i, j);
     return m;
 }
 
@@ -73,7 +73,7 @@ TEST_F(RotationMatrixTest, ConstructorsAndRotationsMatchProductsOfElementaryRota
     const RotationMatrix given(Vector3<double>(1, 2, 3), Vector3<double>(4, 5, 6),
                                Vector3<double>(7, 8, 9));
     for (int k = 0; k < 9; ++k) {
-        EXPECT_EQ(given.m[k], k + 1);
+        EXPECT_EQ(given(k % 3, k / 3), k + 1);
     }
     EXPECT_EQ(given(2, 1), 6);
     // A zero axis is taken as it is: only the cosine survives on the diagonal.
@@ -88,7 +88,7 @@ TEST_F(RotationMatrixTest, ConstructorsAndRotationsMatchProductsOfElementaryRota
         RotationMatrix r(a, b, g);
         const M3 zyx = product(rz(g), ry(b), rx(a));
         for (int k = 0; k < 9; ++k) {
-            EXPECT_NEAR(r.m[k], zyx[k / 3][k % 3], 1e-12);
+            EXPECT_NEAR(r(k % 3, k / 3), zyx[k / 3][k % 3], 1e-12);
         }
 
         // Turning the z axis onto the given axis, rotating about z and turning
@@ -115,7 +115,7 @@ TEST_F(RotationMatrixTest, ConstructorsAndRotationsMatchProductsOfElementaryRota
 
 TEST_F(RotationMatrixTest, AnglesAndAxisAngleAreRecovered) {
     const RotationMatrix quarter(Vector3<double>(0, 0, 1), pi / 2);
-    EXPECT_NEAR(quarter.m[1], 1.0, 1e-12);
+    EXPECT_NEAR(quarter(1, 0), 1.0, 1e-12);
     for (double t : {-3.0, -1.5, -0.2, 0.0, 0.4, 1.0, pi / 2, 2.5, 3.1}) {
         EXPECT_NEAR(RotationMatrix(Vector3<double>(0, 0, 1), t).getZAngle(), t, 1e-12);
         EXPECT_NEAR(RotationMatrix(Vector3<double>(0, 1, 0), t).getYAngle(), t, 1e-12);
@@ -134,8 +134,9 @@ TEST_F(RotationMatrixTest, AnglesAndAxisAngleAreRecovered) {
     Vector3<double> axis(0, 5, 0);
     double turn = 9;
     // Rounding may push the trace past 3; the angle is still 0, not NaN.
-    RotationMatrix almost;
-    almost.m[0] = almost.m[4] = almost.m[8] = 1.0 + 1e-15;
+    const double one = 1.0 + 1e-15;
+    const RotationMatrix almost(Vector3<double>(one, 0, 0), Vector3<double>(0, one, 0),
+                                Vector3<double>(0, 0, one));
     for (const RotationMatrix& identity : {RotationMatrix(), almost}) {
         identity.getAngleAxis(axis, turn);
         EXPECT_EQ(turn, 0.0);

@@ -12,7 +12,7 @@ public:
     }
     void init() override { std::cout << "greeter: ready\n"; }
     void run() override {
-        std::cout << "greeter: hello, " << proxy->classes->size() << " components here\n";
+        std::cout << "greeter: hello, " << proxy->get_classes()->size() << " components here\n";
     }
     void finalize() override { std::cout << "greeter: bye\n"; }
 

@@ -12,7 +12,6 @@
 
 #include <support/loopback.h>
 
-#include <cstdint>
 #include <string>
 
 namespace orvo_test {
@@ -41,6 +40,8 @@ struct JointAgent {
             component->link(classes);
         }
         messenger.init();
+        effector.init();
+        skill.init();
         bound_waits(communit.get_socket().getFD());
     }
     ~JointAgent() { communit.finalize(); }
@@ -55,20 +56,6 @@ struct JointAgent {
     orvo::effectors::Effector_Joints effector;
     orvo::skills::Skill_Joints skill;
 };
-
-/// The payload of the next frame on `socket`, "" when none comes within `ms`.
-inline std::string next_frame(orvo::net::Socket& socket, int ms = wait_ms) {
-    if (!readable(socket.getFD(), ms)) {
-        return "";
-    }
-    const std::string prefix = read_bytes(socket, 4);
-    std::uint32_t size = 0;
-    for (const unsigned char byte : prefix) {
-        size = size << 8 | byte;
-    }
-    const std::string payload = read_bytes(socket, size);
-    return prefix.size() == 4 && payload.size() == size ? payload : "";
-}
 
 } // namespace orvo_test
 

@@ -3,6 +3,7 @@
 
 #include <orvo/net/comm_unit.h>
 #include <orvo/net/tcp_socket.h>
+#include <orvo/protocol/framing.h>
 
 #include <support/open_fds.h>
 
@@ -67,15 +68,28 @@ inline std::string read_bytes(orvo::net::Socket& socket, std::size_t count) {
 
 /// `payload` behind a big-endian length prefix announcing `length` bytes.
 inline std::string frame(const std::string& payload, std::uint32_t length) {
-    std::string bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>(length >> (8 * (3 - i)));
-    }
+    std::string bytes(orvo::protocol::length_prefix_size, '\0');
+    orvo::protocol::write_length(length, bytes.data());
     return bytes + payload;
 }
 
 inline std::string frame(const std::string& payload) {
     return frame(payload, static_cast<std::uint32_t>(payload.size()));
+}
+
+/// The payload of the next frame on `socket`; "" when none comes whole within `ms`.
+inline std::string next_frame(orvo::net::Socket& socket, int ms = wait_ms) {
+    if (!readable(socket.getFD(), ms)) {
+        return "";
+    }
+    const std::string prefix = read_bytes(socket, 4);
+    if (prefix.size() < 4) {
+        return "";
+    }
+    const std::uint32_t size =
+        boost::endian::load_big_u32(reinterpret_cast<const unsigned char*>(prefix.data()));
+    const std::string payload = read_bytes(socket, size);
+    return payload.size() == size ? payload : "";
 }
 
 /// A listening socket on an ephemeral loopback port.

@@ -1,6 +1,7 @@
 // The stand-in server as the agents see it: a real process on loopback.
 
-#include "drawing_wire.h"
+#include <orvo/protocol/drawing_wire.h>
+#include <orvo/protocol/framing.h>
 
 #include <orvo/net/udp_socket.h>
 #include <orvo/robot/joints.h>
@@ -43,18 +44,7 @@ struct Client {
                   static_cast<int>(bytes.size()));
     }
     /// One whole frame, or "" on time-out or end of stream.
-    std::string receive() {
-        const std::string prefix = orvo_test::read_bytes(socket, 4);
-        if (prefix.size() < 4) {
-            return "";
-        }
-        std::uint32_t size = 0;
-        for (unsigned char byte : prefix) {
-            size = size << 8 | byte;
-        }
-        const std::string text = orvo_test::read_bytes(socket, size);
-        return text.size() == size ? text : "";
-    }
+    std::string receive() { return orvo_test::next_frame(socket); }
     /// Perceptions until one holds `wanted` (which is returned), at most `limit`; "" if none.
     std::string receive_until(const std::string& wanted, int limit = 100) {
         for (int i = 0; i < limit; ++i) {
@@ -73,10 +63,10 @@ void send_cell(unsigned port, std::uint8_t header, float x) {
     const Addr to(static_cast<unsigned short>(port), loopback);
     const char opening[] = {0x03, 0x00, static_cast<char>(header)};
     udp.send(opening, sizeof opening, to);
-    const demo::wire::Corner corners[] = {{x, 1}, {x + 1, -1}, {x - 1, -1}};
-    unsigned char buffer[demo::wire::max_shape_size];
-    const auto size =
-        demo::wire::encode(demo::wire::Kind::polygon, header, "cell", {}, corners, 3, buffer);
+    const orvo::protocol::drawing::Corner corners[] = {{x, 1}, {x + 1, -1}, {x - 1, -1}};
+    unsigned char buffer[orvo::protocol::drawing::max_shape_size];
+    const auto size = orvo::protocol::drawing::encode(orvo::protocol::drawing::Kind::polygon,
+                                                      header, "cell", {}, corners, 3, buffer);
     udp.send(reinterpret_cast<const char*>(buffer), static_cast<unsigned>(size), to);
 }
 
@@ -285,8 +275,7 @@ TEST_F(StandinServer, PerceptionsComeInPairsInAShareOfTheCycles) {
         // Whole frames only, and two of them.
         int frames = 0;
         for (int at = 0; at + 4 <= n; ++frames) {
-            const auto* prefix = reinterpret_cast<const unsigned char*>(bytes + at);
-            at += 4 + (prefix[0] << 24 | prefix[1] << 16 | prefix[2] << 8 | prefix[3]);
+            at += 4 + static_cast<int>(orvo::protocol::read_length(bytes + at));
             ASSERT_LE(at, n);
         }
         EXPECT_EQ(frames % 2, 0);

@@ -4,13 +4,13 @@ namespace field_view {
 
 DrawingStore::Outcome DrawingStore::add(const unsigned char* data, std::size_t size) {
     ++totals.datagrams;
-    if (demo::wire::is_opening(data, size)) {
+    if (orvo::protocol::drawing::is_opening(data, size)) {
         ++totals.batches;
         latest[data[2]].clear();
         return Outcome::batch;
     }
-    demo::wire::Shape shape;
-    if (!demo::wire::decode(data, size, shape)) {
+    orvo::protocol::drawing::Shape shape;
+    if (!orvo::protocol::drawing::decode(data, size, shape)) {
         ++totals.malformed;
         return Outcome::malformed;
     }

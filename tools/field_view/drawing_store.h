@@ -1,7 +1,7 @@
 #ifndef ORVO_FIELD_VIEW_DRAWING_STORE_H
 #define ORVO_FIELD_VIEW_DRAWING_STORE_H
 
-#include "drawing_wire.h"
+#include <orvo/protocol/drawing_wire.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +12,7 @@ namespace field_view {
 
 /// Each agent's latest drawings, keyed by the header byte of its datagrams
 /// (bit 7 the team, 0 left and 1 right; bits 0-6 the player number).
-using Drawings = std::map<std::uint8_t, std::vector<demo::wire::Shape>>;
+using Drawings = std::map<std::uint8_t, std::vector<orvo::protocol::drawing::Shape>>;
 
 struct DrawingCounts {
     std::uint64_t datagrams = 0; ///< every datagram handed in, good or bad

@@ -18,7 +18,7 @@ float to_px_y(float y) {
     return (field_width / 2 - y + margin) * scale;
 }
 
-std::string colour_text(const demo::wire::Colour& c) {
+std::string colour_text(const orvo::protocol::drawing::Colour& c) {
     char text[8];
     std::snprintf(text, sizeof text, "#%02x%02x%02x", c.red, c.green, c.blue);
     return text;
@@ -71,7 +71,7 @@ void write_field(std::ostream& out) {
     out << "</g>\n";
 }
 
-void write_shape(std::ostream& out, const demo::wire::Shape& shape, int side) {
+void write_shape(std::ostream& out, const orvo::protocol::drawing::Shape& shape, int side) {
     // Drawings come in the sender's own frame; the right team looks the other way.
     const float mirror = side == 0 ? 1.0f : -1.0f;
     const std::string colour = colour_text(shape.colour);
@@ -80,19 +80,19 @@ void write_shape(std::ostream& out, const demo::wire::Shape& shape, int side) {
                               "\" data-unum=\"" + std::to_string(number) + "\" data-name=\"" +
                               escaped(shape.name) + "\"";
     switch (shape.kind) {
-    case demo::wire::Kind::point:
+    case orvo::protocol::drawing::Kind::point:
         out << "<circle class=\"point\"" << owner << " cx=\""
             << to_px_x(mirror * shape.corners[0].x) << "\" cy=\""
             << to_px_y(mirror * shape.corners[0].y) << "\" r=\"3\" fill=\"" << colour << "\"/>\n";
         break;
-    case demo::wire::Kind::line:
+    case orvo::protocol::drawing::Kind::line:
         out << "<line class=\"line\"" << owner << " x1=\"" << to_px_x(mirror * shape.corners[0].x)
             << "\" y1=\"" << to_px_y(mirror * shape.corners[0].y) << "\" x2=\""
             << to_px_x(mirror * shape.corners[1].x) << "\" y2=\""
             << to_px_y(mirror * shape.corners[1].y) << "\" stroke=\"" << colour
             << "\" stroke-width=\"2\"/>\n";
         break;
-    case demo::wire::Kind::polygon:
+    case orvo::protocol::drawing::Kind::polygon:
         out << "<polygon class=\"cell\"" << owner << " points=\"";
         for (std::size_t i = 0; i < shape.corners.size(); ++i) {
             out << (i == 0 ? "" : " ") << to_px_x(mirror * shape.corners[i].x) << ','
@@ -117,8 +117,9 @@ std::string field_svg(const FieldPicture& picture) {
     out << "<title>" << escaped(picture.title) << "</title>\n";
     write_field(out);
     // Cells first, so that lines, points and players stay visible on top.
-    for (const demo::wire::Kind layer :
-         {demo::wire::Kind::polygon, demo::wire::Kind::line, demo::wire::Kind::point}) {
+    for (const orvo::protocol::drawing::Kind layer :
+         {orvo::protocol::drawing::Kind::polygon, orvo::protocol::drawing::Kind::line,
+          orvo::protocol::drawing::Kind::point}) {
         for (const auto& [header, shapes] : picture.drawings) {
             for (const auto& shape : shapes) {
                 if (shape.kind == layer) {

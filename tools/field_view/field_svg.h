@@ -3,14 +3,16 @@
 
 #include "drawing_store.h"
 
+#include <orvo/protocol/constants.h>
+
 #include <string>
 #include <vector>
 
 namespace field_view {
 
-/// Field size of the current 3D soccer league, metres.
-constexpr float field_length = 30.0f;
-constexpr float field_width = 20.0f;
+/// The field's size in the picture's unit, metres.
+constexpr float field_length = static_cast<float>(orvo::protocol::field_length);
+constexpr float field_width = static_cast<float>(orvo::protocol::field_width);
 
 struct PlayerMark {
     int unum = 0;

@@ -4,6 +4,8 @@
 
 #include "commands.h"
 
+#include <orvo/protocol/constants.h>
+
 #include <cmath>
 #include <cstdio>
 
@@ -11,7 +13,7 @@ namespace standin {
 
 namespace {
 constexpr std::size_t max_say = 20;
-constexpr double degrees_per_radian = 57.29577951308232;
+using orvo::protocol::degrees_per_radian;
 } // namespace
 
 void StandinServer::handle_message(Agent& agent, std::string_view message) {

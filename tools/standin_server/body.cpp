@@ -1,5 +1,7 @@
 #include "body.h"
 
+#include <orvo/protocol/constants.h>
+
 #include <algorithm>
 
 namespace standin {
@@ -17,7 +19,7 @@ bool Body::command(std::string_view effector, double speed) {
 }
 
 void Body::advance(double seconds) {
-    constexpr double degrees_per_radian = 57.29577951308232;
+    using orvo::protocol::degrees_per_radian;
     for (std::size_t i = 0; i < joints(); ++i) {
         // The motor keeps the commanded speed, but never beyond its limit.
         const double speed =

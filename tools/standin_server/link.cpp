@@ -1,5 +1,7 @@
 #include "link.h"
 
+#include <orvo/protocol/framing.h>
+
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
@@ -68,32 +70,22 @@ void Link::receive(const std::function<void(std::string_view)>& on_frame) {
     }
     // Frames that arrived before the peer closed still count.
     std::size_t at = 0;
-    while (input.size() - at >= 4) {
-        const auto* prefix = reinterpret_cast<const unsigned char*>(input.data() + at);
-        const std::uint32_t length = (std::uint32_t{prefix[0]} << 24) |
-                                     (std::uint32_t{prefix[1]} << 16) |
-                                     (std::uint32_t{prefix[2]} << 8) | std::uint32_t{prefix[3]};
-        if (length > max_frame) {
+    constexpr std::size_t prefix = orvo::protocol::length_prefix_size;
+    while (input.size() - at >= prefix) {
+        const std::uint32_t length = orvo::protocol::read_length(input.data() + at);
+        if (length > orvo::protocol::max_frame_size) {
             close();
             input.clear();
             return;
         }
-        if (input.size() - at - 4 < length) {
+        if (input.size() - at - prefix < length) {
             break;
         }
-        received += 4 + length;
-        on_frame(std::string_view(input).substr(at + 4, length));
-        at += 4 + length;
+        received += prefix + length;
+        on_frame(std::string_view(input).substr(at + prefix, length));
+        at += prefix + length;
     }
     input.erase(0, at);
-}
-
-void Link::append_frame(std::string& bytes, std::string_view payload) {
-    const auto length = static_cast<std::uint32_t>(payload.size());
-    const char prefix[4] = {static_cast<char>(length >> 24), static_cast<char>(length >> 16),
-                            static_cast<char>(length >> 8), static_cast<char>(length)};
-    bytes.append(prefix, 4);
-    bytes += payload;
 }
 
 void Link::send(std::string_view bytes) {

@@ -9,9 +9,6 @@
 
 namespace standin {
 
-/// A frame longer than this is not a peer speaking the protocol.
-constexpr std::uint32_t max_frame = 1u << 20;
-
 /// std::runtime_error naming `what` and the current errno.
 std::runtime_error system_error(const std::string& what);
 
@@ -43,9 +40,6 @@ public:
     void send(std::string_view bytes);
     void flush();
     void close();
-
-    /// `payload` behind its length prefix, appended to `bytes`.
-    static void append_frame(std::string& bytes, std::string_view payload);
 
 private:
     int fd_;

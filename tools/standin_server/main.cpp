@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -89,83 +90,102 @@ double to_real(const std::string& option, const char* text, double low, double h
     return value;
 }
 
+/// Sets the option that takes `value`; throws std::invalid_argument for a
+/// bad value or an unknown option.
+void set_option(standin::Options& options, const std::string& option, const char* value) {
+    if (option == "--port") {
+        options.port = to_unsigned(option, value, 65535);
+    } else if (option == "--drawing-port") {
+        options.drawing_port = to_unsigned(option, value, 65535);
+    } else if (option == "--monitor-port") {
+        options.monitor_port = to_unsigned(option, value, 65535);
+    } else if (option == "--agents") {
+        options.agents = to_unsigned(option, value, 22);
+    } else if (option == "--cycles") {
+        options.cycles = to_unsigned(option, value, 10000000);
+    } else if (option == "--kickoff-after") {
+        options.kickoff_after = to_unsigned(option, value, 10000000);
+    } else if (option == "--pairs") {
+        options.pairs = to_real(option, value, 0, 1, true, "a share from 0 to 1");
+    } else if (option == "--slowdown") {
+        options.slowdown = to_real(option, value, 1, 100, true, "a factor from 1 to 100");
+    } else if (option == "--start-timeout") {
+        options.start_timeout =
+            to_real(option, value, 0, 3600, false, "a number of seconds (0 to 3600)");
+    } else if (option == "--cycle-timeout") {
+        options.cycle_timeout =
+            to_real(option, value, 0, 3600, false, "a number of seconds (0 to 3600)");
+    } else if (option == "--svg") {
+        options.svg_path = value;
+    } else if (option == "--svg-every") {
+        options.svg_every = to_unsigned(option, value, 10000000);
+    } else if (option == "--log") {
+        options.log_path = value;
+    } else if (option == "--ports-file") {
+        options.ports_file = value;
+    } else if (option == "--http-port") {
+        options.live = true;
+        options.http_port = to_unsigned(option, value, 65535);
+    } else {
+        throw std::invalid_argument("unknown option " + option);
+    }
+}
+
+/// The options of the command line; none when it asks for the usage text.
+std::optional<standin::Options> parse_options(int argc, char** argv) {
+    standin::Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string option = argv[i];
+        if (option == "--help" || option == "-h") {
+            return std::nullopt;
+        }
+        if (option == "--sync") {
+            options.sync = true;
+            continue;
+        }
+        if (i + 1 >= argc) {
+            throw std::invalid_argument(option == "" || option[0] != '-'
+                                            ? "unexpected argument: " + option
+                                            : option + " needs a value");
+        }
+        set_option(options, option, argv[++i]);
+    }
+    return options;
+}
+
+/// Runs the server to its end; the exit status.
+int serve(const standin::Options& options) {
+    standin::StandinServer server(options);
+    server.open();
+    std::cerr << "stand-in server: agents on 127.0.0.1:" << server.tcp_port()
+              << ", drawings on udp 127.0.0.1:" << server.udp_port()
+              << ", monitor on 127.0.0.1:" << server.monitor_port() << std::endl;
+    if (server.http_port() != 0) {
+        std::cerr << "stand-in server: live page http://127.0.0.1:" << server.http_port() << '/'
+                  << std::endl;
+    }
+    std::signal(SIGPIPE, SIG_IGN);
+    const int status = server.run(std::cerr);
+    server.print_summary(std::cout);
+    return status;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    standin::Options options;
+    std::optional<standin::Options> options;
     try {
-        for (int i = 1; i < argc; ++i) {
-            const std::string option = argv[i];
-            if (option == "--help" || option == "-h") {
-                std::cout << usage;
-                return 0;
-            }
-            if (option == "--sync") {
-                options.sync = true;
-                continue;
-            }
-            if (i + 1 >= argc) {
-                throw std::invalid_argument(option == "" || option[0] != '-'
-                                                ? "unexpected argument: " + option
-                                                : option + " needs a value");
-            }
-            const char* value = argv[++i];
-            if (option == "--port") {
-                options.port = to_unsigned(option, value, 65535);
-            } else if (option == "--drawing-port") {
-                options.drawing_port = to_unsigned(option, value, 65535);
-            } else if (option == "--monitor-port") {
-                options.monitor_port = to_unsigned(option, value, 65535);
-            } else if (option == "--agents") {
-                options.agents = to_unsigned(option, value, 22);
-            } else if (option == "--cycles") {
-                options.cycles = to_unsigned(option, value, 10000000);
-            } else if (option == "--kickoff-after") {
-                options.kickoff_after = to_unsigned(option, value, 10000000);
-            } else if (option == "--pairs") {
-                options.pairs = to_real(option, value, 0, 1, true, "a share from 0 to 1");
-            } else if (option == "--slowdown") {
-                options.slowdown = to_real(option, value, 1, 100, true, "a factor from 1 to 100");
-            } else if (option == "--start-timeout") {
-                options.start_timeout =
-                    to_real(option, value, 0, 3600, false, "a number of seconds (0 to 3600)");
-            } else if (option == "--cycle-timeout") {
-                options.cycle_timeout =
-                    to_real(option, value, 0, 3600, false, "a number of seconds (0 to 3600)");
-            } else if (option == "--svg") {
-                options.svg_path = value;
-            } else if (option == "--svg-every") {
-                options.svg_every = to_unsigned(option, value, 10000000);
-            } else if (option == "--log") {
-                options.log_path = value;
-            } else if (option == "--ports-file") {
-                options.ports_file = value;
-            } else if (option == "--http-port") {
-                options.live = true;
-                options.http_port = to_unsigned(option, value, 65535);
-            } else {
-                throw std::invalid_argument("unknown option " + option);
-            }
-        }
+        options = parse_options(argc, argv);
     } catch (const std::invalid_argument& error) {
         std::cerr << "orvo_standin_server: " << error.what() << "\n(see --help)\n";
         return 2;
     }
-
+    if (!options) {
+        std::cout << usage;
+        return 0;
+    }
     try {
-        standin::StandinServer server(options);
-        server.open();
-        std::cerr << "stand-in server: agents on 127.0.0.1:" << server.tcp_port()
-                  << ", drawings on udp 127.0.0.1:" << server.udp_port()
-                  << ", monitor on 127.0.0.1:" << server.monitor_port() << std::endl;
-        if (server.http_port() != 0) {
-            std::cerr << "stand-in server: live page http://127.0.0.1:" << server.http_port() << '/'
-                      << std::endl;
-        }
-        std::signal(SIGPIPE, SIG_IGN);
-        const int status = server.run(std::cerr);
-        server.print_summary(std::cout);
-        return status;
+        return serve(*options);
     } catch (const std::exception& error) {
         std::cerr << "orvo_standin_server: " << error.what() << '\n';
         return 1;

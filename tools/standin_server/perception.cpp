@@ -1,5 +1,7 @@
 #include "perception.h"
 
+#include <orvo/protocol/constants.h>
+
 #include <cmath>
 #include <cstdio>
 
@@ -9,7 +11,7 @@ namespace {
 
 using orvo::robot::Joint;
 
-constexpr double degrees_per_radian = 57.29577951308232;
+using orvo::protocol::degrees_per_radian;
 constexpr float head_height = 0.5f;
 // The camera sees this far to each side of where the head points, and up and down.
 constexpr double view_half_angle = 60;
@@ -122,7 +124,7 @@ std::string write_perception(const Agent& agent, const Moment& moment, const Age
         w.put("(unum %d) (team %s) ", agent.unum, agent.side == 0 ? "left" : "right");
     }
     w.put("(sl 0) (sr 0) (t %.2f) (pm %s))", moment.game_time,
-          std::string(mode_name(moment.mode)).c_str());
+          std::string(orvo::protocol::name_of(moment.mode)).c_str());
     for (const std::string& hear : agent.heard) {
         message += hear;
     }

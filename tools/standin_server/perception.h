@@ -12,7 +12,7 @@ struct Moment {
     unsigned cycle = 0;
     double now = 0;       ///< server time, seconds
     double game_time = 0; ///< seconds since the kick-off
-    PlayMode mode = PlayMode::before_kick_off;
+    PlayMode mode = PlayMode::BeforeKickOff;
 };
 
 /// The perception `agent` gets at `moment`, shaped like a real server's: time,

@@ -3,42 +3,30 @@
 #include "commands.h"
 #include "field_svg.h"
 
+#include <orvo/protocol/constants.h>
+
 #include <algorithm>
 #include <array>
 
 namespace standin {
 
 namespace {
-constexpr double cycle_seconds = 0.02;
+using orvo::protocol::cycle_seconds;
 constexpr int players_per_team = 11;
 // A team must mix robot types: at most this many of one type, and of any two together.
 constexpr int max_of_one_type = 7;
 constexpr int max_of_two_types = 9;
 } // namespace
 
-std::string_view mode_name(PlayMode mode) {
-    switch (mode) {
-    case PlayMode::before_kick_off:
-        return "BeforeKickOff";
-    case PlayMode::kick_off_left:
-        return "KickOff_Left";
-    case PlayMode::kick_off_right:
-        return "KickOff_Right";
-    case PlayMode::play_on:
-        return "PlayOn";
-    }
-    return "BeforeKickOff";
-}
-
 double Referee::game_time(unsigned cycle) const {
     return kicked_off == 0 || cycle < kicked_off ? 0.0 : (cycle - kicked_off + 1) * cycle_seconds;
 }
 
 bool Referee::kick_off(int side, unsigned cycle, const Agents& agents) {
-    if (current != PlayMode::before_kick_off) {
+    if (current != PlayMode::BeforeKickOff) {
         return false;
     }
-    current = side == 0 ? PlayMode::kick_off_left : PlayMode::kick_off_right;
+    current = side == 0 ? PlayMode::KickOff_Left : PlayMode::KickOff_Right;
     kicked_off_as = current;
     kicked_off = cycle;
     for (const auto& agent : agents) {
@@ -51,7 +39,7 @@ bool Referee::kick_off(int side, unsigned cycle, const Agents& agents) {
 
 void Referee::advance(unsigned cycle) {
     if (kicked_off != 0 && cycle >= play_on_cycle()) {
-        current = PlayMode::play_on;
+        current = PlayMode::PlayOn;
     }
 }
 
@@ -149,7 +137,7 @@ void Referee::beam(Agent& agent, std::string_view command, unsigned cycle) {
         agent.note(cycle, "beam ignored: the agent has not joined a team");
         return;
     }
-    if (current != PlayMode::before_kick_off) {
+    if (current != PlayMode::BeforeKickOff) {
         // The stand-in has no ball play, hence no goals after which beaming is allowed again.
         agent.note(cycle, "beam ignored after the kick-off");
         return;

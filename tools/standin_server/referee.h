@@ -3,6 +3,8 @@
 
 #include "agent.h"
 
+#include <orvo/protocol/play_modes.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -10,10 +12,7 @@
 
 namespace standin {
 
-enum class PlayMode { before_kick_off, kick_off_left, kick_off_right, play_on };
-
-/// The name a perception's "(pm ...)" carries.
-std::string_view mode_name(PlayMode mode);
+using orvo::protocol::PlayMode;
 
 using Agents = std::vector<std::unique_ptr<Agent>>;
 
@@ -44,9 +43,9 @@ public:
 private:
     std::string refusal(const Agent& agent, std::string_view team, const Agents& agents) const;
 
-    PlayMode current = PlayMode::before_kick_off;
+    PlayMode current = PlayMode::BeforeKickOff;
     unsigned kicked_off = 0;
-    PlayMode kicked_off_as = PlayMode::kick_off_left;
+    PlayMode kicked_off_as = PlayMode::KickOff_Left;
     std::vector<std::string> teams;
 };
 

@@ -2,6 +2,9 @@
 
 #include "perception.h"
 
+#include <orvo/protocol/constants.h>
+#include <orvo/protocol/framing.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -17,7 +20,7 @@ namespace standin {
 namespace {
 
 constexpr std::size_t max_agents = 22;
-constexpr double cycle_seconds = 0.02;
+using orvo::protocol::cycle_seconds;
 
 Clock::duration seconds(double value) {
     return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(value));
@@ -94,13 +97,7 @@ int StandinServer::run(std::ostream& messages) {
             live->show(picture());
         }
         if (options.svg_every != 0 && cycle % options.svg_every == 0) {
-            read_drawings();
-            char suffix[32];
-            std::snprintf(suffix, sizeof suffix, "-%06u", cycle);
-            std::string path = options.svg_path;
-            const auto dot = path.rfind(".svg");
-            path.insert(dot == std::string::npos ? path.size() : dot, suffix);
-            write_picture(path);
+            write_cycle_picture();
         }
         someone_joined = someone_joined || std::any_of(agents.begin(), agents.end(),
                                                        [](const auto& a) { return a->joined(); });
@@ -116,6 +113,21 @@ int StandinServer::run(std::ostream& messages) {
     }
     cycle = played;
     finished = Clock::now();
+    finish_run(period);
+    return status;
+}
+
+void StandinServer::write_cycle_picture() {
+    read_drawings();
+    char suffix[32];
+    std::snprintf(suffix, sizeof suffix, "-%06u", cycle);
+    std::string path = options.svg_path;
+    const auto dot = path.rfind(".svg");
+    path.insert(dot == std::string::npos ? path.size() : dot, suffix);
+    write_picture(path);
+}
+
+void StandinServer::finish_run(Clock::duration period) {
     // The last answers (and the drawings sent before them) may still be on their way.
     if (!options.sync) {
         service(Clock::now() + period, true);
@@ -128,7 +140,6 @@ int StandinServer::run(std::ostream& messages) {
     if (log.is_open()) {
         log.flush();
     }
-    return status;
 }
 
 bool StandinServer::stepping_on_answers(Clock::time_point start_deadline) const {
@@ -157,7 +168,7 @@ void StandinServer::begin_cycle() {
     for (auto& agent : agents) {
         if (agent->perceives()) {
             std::string frame;
-            Link::append_frame(frame, write_perception(*agent, moment, agents));
+            orvo::protocol::append_frame(frame, write_perception(*agent, moment, agents));
             agent->heard.clear();
             agent->announce = false;
             // A real server in real time now and then writes two perceptions at once.
@@ -218,24 +229,7 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
         if (now >= until) {
             return !stop_when_answered || all_answered();
         }
-        fds.assign({pollfd{listener, POLLIN, 0}, pollfd{drawing_socket, POLLIN, 0},
-                    pollfd{monitor_listener, POLLIN, 0}});
-        monitors.erase(std::remove_if(monitors.begin(), monitors.end(),
-                                      [](const auto& link) { return link->closed(); }),
-                       monitors.end());
-        links.clear();
-        const std::size_t agent_links = agents.size();
-        for (auto& agent : agents) {
-            links.push_back(&agent->link);
-        }
-        for (auto& monitor : monitors) {
-            links.push_back(monitor.get());
-        }
-        for (Link* link : links) {
-            // A closed link polls nothing: a negative descriptor is skipped.
-            const short events = link->wants_to_write() ? POLLIN | POLLOUT : POLLIN;
-            fds.push_back(pollfd{link->fd(), events, 0});
-        }
+        poll_set(fds, links);
         const auto wait = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
         const int ready = poll(fds.data(), fds.size(), static_cast<int>(std::max<long>(wait, 0)));
         if (ready < 0 && errno != EINTR) {
@@ -244,29 +238,55 @@ bool StandinServer::service(Clock::time_point until, bool stop_when_answered) {
         if (ready <= 0) {
             continue;
         }
-        if ((fds[0].revents & POLLIN) != 0) {
-            accept_connections(listener);
+        handle_ready(fds, links);
+    }
+}
+
+void StandinServer::poll_set(std::vector<pollfd>& fds, std::vector<Link*>& links) {
+    fds.assign({pollfd{listener, POLLIN, 0}, pollfd{drawing_socket, POLLIN, 0},
+                pollfd{monitor_listener, POLLIN, 0}});
+    monitors.erase(std::remove_if(monitors.begin(), monitors.end(),
+                                  [](const auto& link) { return link->closed(); }),
+                   monitors.end());
+    links.clear();
+    for (auto& agent : agents) {
+        links.push_back(&agent->link);
+    }
+    for (auto& monitor : monitors) {
+        links.push_back(monitor.get());
+    }
+    for (Link* link : links) {
+        // A closed link polls nothing: a negative descriptor is skipped.
+        const short events = link->wants_to_write() ? POLLIN | POLLOUT : POLLIN;
+        fds.push_back(pollfd{link->fd(), events, 0});
+    }
+}
+
+void StandinServer::handle_ready(const std::vector<pollfd>& fds, const std::vector<Link*>& links) {
+    if ((fds[0].revents & POLLIN) != 0) {
+        accept_connections(listener);
+    }
+    if ((fds[1].revents & POLLIN) != 0) {
+        read_drawings();
+    }
+    if ((fds[2].revents & POLLIN) != 0) {
+        accept_connections(monitor_listener);
+    }
+    // The agents' links come first, in the order of `agents`.
+    const std::size_t agent_links = agents.size();
+    for (std::size_t i = 0; i < links.size(); ++i) {
+        const short revents = fds[i + 3].revents;
+        if ((revents & POLLOUT) != 0) {
+            links[i]->flush();
         }
-        if ((fds[1].revents & POLLIN) != 0) {
-            read_drawings();
+        if ((revents & (POLLIN | POLLHUP | POLLERR)) == 0) {
+            continue;
         }
-        if ((fds[2].revents & POLLIN) != 0) {
-            accept_connections(monitor_listener);
-        }
-        for (std::size_t i = 0; i < links.size(); ++i) {
-            const short revents = fds[i + 3].revents;
-            if ((revents & POLLOUT) != 0) {
-                links[i]->flush();
-            }
-            if ((revents & (POLLIN | POLLHUP | POLLERR)) == 0) {
-                continue;
-            }
-            if (i < agent_links) {
-                Agent& agent = *agents[i];
-                agent.link.receive([&](std::string_view frame) { handle_message(agent, frame); });
-            } else {
-                links[i]->receive([&](std::string_view frame) { handle_monitor(frame); });
-            }
+        if (i < agent_links) {
+            Agent& agent = *agents[i];
+            agent.link.receive([&](std::string_view frame) { handle_message(agent, frame); });
+        } else {
+            links[i]->receive([&](std::string_view frame) { handle_monitor(frame); });
         }
     }
 }

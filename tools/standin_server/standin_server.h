@@ -8,6 +8,8 @@
 #include "page_thread.h"
 #include "referee.h"
 
+#include <poll.h>
+
 #include <cstdint>
 #include <fstream>
 #include <map>
@@ -50,6 +52,11 @@ private:
     void begin_cycle();
     void admit_agents();
     bool service(Clock::time_point until, bool stop_when_answered);
+    /// The descriptors to wait on: the three listeners, then every link's.
+    void poll_set(std::vector<pollfd>& fds, std::vector<Link*>& links);
+    void handle_ready(const std::vector<pollfd>& fds, const std::vector<Link*>& links);
+    void write_cycle_picture();
+    void finish_run(Clock::duration period);
     void accept_connections(int listener);
     void handle_message(Agent& agent, std::string_view message);
     void handle_scene(Agent& agent, std::string_view command);
@@ -62,6 +69,8 @@ private:
     bool stepping_on_answers(Clock::time_point start_deadline) const;
     field_view::FieldPicture picture() const;
     void write_picture(const std::string& path);
+    /// The summary's opening: the run, missing agents, play modes.
+    void print_run(std::ostream& out) const;
 
     Options options;
     int listener = -1;

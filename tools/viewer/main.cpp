@@ -14,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -61,6 +60,20 @@ unsigned to_port(const std::string& option, const char* text) {
     return static_cast<unsigned>(value);
 }
 
+/// Longer runs than a year are meant to be stopped by a signal; the bound also
+/// keeps the timer's duration within its integer range.
+constexpr double max_seconds = 365.0 * 24 * 3600;
+
+double to_seconds(const std::string& option, const char* text) {
+    char* end = nullptr;
+    const double value = std::strtod(text, &end);
+    if (*text == '\0' || *end != '\0' || !(value > 0 && value <= max_seconds)) {
+        throw std::invalid_argument(option + ": not a number of seconds (above 0, at most " +
+                                    std::to_string(static_cast<long>(max_seconds)) + "): " + text);
+    }
+    return value;
+}
+
 Options parse(int argc, char** argv) {
     Options options;
     for (int i = 1; i < argc; ++i) {
@@ -82,11 +95,7 @@ Options parse(int argc, char** argv) {
         } else if (option == "--ports-file") {
             options.ports_file = value;
         } else if (option == "--seconds") {
-            char* end = nullptr;
-            options.seconds = std::strtod(value, &end);
-            if (*value == '\0' || *end != '\0' || !(options.seconds > 0)) {
-                throw std::invalid_argument(option + ": not a number of seconds: " + value);
-            }
+            options.seconds = to_seconds(option, value);
         } else {
             throw std::invalid_argument("unknown option: " + option);
         }
@@ -111,6 +120,113 @@ std::size_t drawing_agents(const field_view::DrawingStore& store) {
     return agents;
 }
 
+/// The viewer's parts, started in order and stopped together.
+class Viewer {
+public:
+    explicit Viewer(const Options& options) : options(options) {}
+
+    /// Opens the drawing port and the page; false (after saying why) when one cannot open.
+    bool start() {
+        try {
+            listener.emplace(io, options.listen, static_cast<unsigned short>(options.drawing_port),
+                             store, [this] { page->changed(); });
+            page.emplace(io, static_cast<unsigned short>(options.http_port),
+                         [this] { return field_view::field_svg(picture()); });
+            if (!options.ports_file.empty()) {
+                write_ports(options.ports_file, listener->port(), page->port());
+            }
+        } catch (const std::exception& error) {
+            std::cerr << "orvo_viewer: " << error.what() << '\n';
+            return false;
+        }
+        std::cout << "orvo_viewer: drawings on udp " << options.listen << ':' << listener->port()
+                  << ", live page http://127.0.0.1:" << page->port() << '/' << std::endl;
+        return true;
+    }
+
+    /// Serves until SIGINT, SIGTERM or the --seconds deadline.
+    void run() {
+        wait_for_signal();
+        if (options.seconds > 0) {
+            deadline.expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                std::chrono::duration<double>(options.seconds)));
+            deadline.async_wait([this](const boost::system::error_code& error) {
+                if (!error) {
+                    stop();
+                }
+            });
+        }
+        io.run();
+        // Browsers get a second to acknowledge the close; then the viewer goes regardless.
+        io.restart();
+        io.run_for(std::chrono::seconds(1));
+    }
+
+    /// Writes the --svg picture, if asked for one.
+    void write_svg() {
+        if (!options.svg_path.empty() &&
+            !field_view::write_field_svg(options.svg_path, picture())) {
+            std::cerr << "orvo_viewer: cannot write " << options.svg_path << '\n';
+            svg_failed = true;
+        }
+    }
+    /// Whether any writing of the picture failed.
+    bool failed() const { return svg_failed; }
+
+    void print_summary() const {
+        const auto& counts = store.counts();
+        std::cout << "datagrams: " << counts.datagrams << " received, " << counts.batches
+                  << " batches, " << counts.shapes << " shapes, " << counts.malformed
+                  << " malformed, " << listener->overflowed() << " dropped by the system\n"
+                  << "agents drawing: " << drawing_agents(store) << '\n'
+                  << "page: " << page->pushes() << " pictures pushed\n";
+    }
+
+private:
+    field_view::FieldPicture picture() const {
+        field_view::FieldPicture result;
+        result.title = "orvo drawings";
+        const auto& counts = store.counts();
+        result.caption = std::to_string(drawing_agents(store)) + " agents drawing, " +
+                         std::to_string(counts.datagrams) + " datagrams, " +
+                         std::to_string(counts.malformed) + " malformed";
+        result.drawings = store.drawings();
+        return result;
+    }
+
+    /// SIGUSR1 writes the picture and keeps waiting; the others stop the viewer.
+    void wait_for_signal() {
+        signals.async_wait([this](const boost::system::error_code& error, int number) {
+            if (error) {
+                return;
+            }
+            if (number == SIGUSR1) {
+                write_svg();
+                wait_for_signal();
+                return;
+            }
+            stop();
+        });
+    }
+
+    void stop() {
+        signals.cancel();
+        deadline.cancel();
+        listener->stop();
+        page->stop();
+        io.stop();
+    }
+
+    const Options& options;
+    boost::asio::io_context io;
+    field_view::DrawingStore store;
+    std::optional<field_view::DrawingListener> listener;
+    std::optional<field_view::LivePage> page;
+    boost::asio::steady_timer deadline{io};
+    boost::asio::signal_set signals{io, SIGINT, SIGTERM, SIGUSR1};
+    bool svg_failed = false;
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -125,88 +241,12 @@ int main(int argc, char** argv) {
         std::cerr << "orvo_viewer: " << error.what() << " (see --help)\n";
         return 2;
     }
-
-    boost::asio::io_context io;
-    field_view::DrawingStore store;
-    std::optional<field_view::DrawingListener> listener;
-    std::optional<field_view::LivePage> page;
-    const auto picture = [&] {
-        field_view::FieldPicture result;
-        result.title = "orvo drawings";
-        const auto& counts = store.counts();
-        result.caption = std::to_string(drawing_agents(store)) + " agents drawing, " +
-                         std::to_string(counts.datagrams) + " datagrams, " +
-                         std::to_string(counts.malformed) + " malformed";
-        result.drawings = store.drawings();
-        return result;
-    };
-    try {
-        listener.emplace(io, options.listen, static_cast<unsigned short>(options.drawing_port),
-                         store, [&] { page->changed(); });
-        page.emplace(io, static_cast<unsigned short>(options.http_port),
-                     [&] { return field_view::field_svg(picture()); });
-        if (!options.ports_file.empty()) {
-            write_ports(options.ports_file, listener->port(), page->port());
-        }
-    } catch (const std::exception& error) {
-        std::cerr << "orvo_viewer: " << error.what() << '\n';
+    Viewer viewer(options);
+    if (!viewer.start()) {
         return 1;
     }
-    std::cout << "orvo_viewer: drawings on udp " << options.listen << ':' << listener->port()
-              << ", live page http://127.0.0.1:" << page->port() << '/' << std::endl;
-
-    bool svg_failed = false;
-    const auto write_svg = [&] {
-        if (!options.svg_path.empty() &&
-            !field_view::write_field_svg(options.svg_path, picture())) {
-            std::cerr << "orvo_viewer: cannot write " << options.svg_path << '\n';
-            svg_failed = true;
-        }
-    };
-
-    boost::asio::steady_timer deadline(io);
-    boost::asio::signal_set signals(io, SIGINT, SIGTERM, SIGUSR1);
-    const auto stop = [&] {
-        signals.cancel();
-        deadline.cancel();
-        listener->stop();
-        page->stop();
-        io.stop();
-    };
-    std::function<void()> wait_for_signal = [&] {
-        signals.async_wait([&](const boost::system::error_code& error, int number) {
-            if (error) {
-                return;
-            }
-            if (number == SIGUSR1) {
-                write_svg();
-                wait_for_signal();
-                return;
-            }
-            stop();
-        });
-    };
-    wait_for_signal();
-    if (options.seconds > 0) {
-        deadline.expires_after(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-            std::chrono::duration<double>(options.seconds)));
-        deadline.async_wait([&](const boost::system::error_code& error) {
-            if (!error) {
-                stop();
-            }
-        });
-    }
-    io.run();
-    // Browsers get a second to acknowledge the close; then the viewer goes regardless.
-    io.restart();
-    io.run_for(std::chrono::seconds(1));
-
-    write_svg();
-    const auto& counts = store.counts();
-    std::cout << "datagrams: " << counts.datagrams << " received, " << counts.batches
-              << " batches, " << counts.shapes << " shapes, " << counts.malformed << " malformed, "
-              << listener->overflowed() << " dropped by the system\n"
-              << "agents drawing: " << drawing_agents(store) << '\n'
-              << "page: " << page->pushes() << " pictures pushed\n";
-    return svg_failed ? 1 : 0;
+    viewer.run();
+    viewer.write_svg();
+    viewer.print_summary();
+    return viewer.failed() ? 1 : 0;
 }

@@ -76,76 +76,90 @@ void Architect::disassemble_framework() {
     }
 }
 
+namespace {
+
+/// Closes a library handle when it goes out of scope, however construct()
+/// leaves: the components' code stays loaded through the pin, not the handle.
+struct Library_Closer {
+    void operator()(void* handle) const { dlclose(handle); }
+};
+using Library_Handle = std::unique_ptr<void, Library_Closer>;
+
+/// Opens every library in file order and pins it, so that closing its handle
+/// later cannot unload the code of the components it creates.
+std::vector<Library_Handle> open_libraries(const std::vector<std::string>& libraries) {
+    std::vector<Library_Handle> handles;
+    handles.reserve(libraries.size());
+    for (const auto& library : libraries) {
+        Library_Handle handle(dlopen(library.c_str(), RTLD_NOW));
+        if (!handle) {
+            throw Exception(where("construct", line_open_library), "Failed to open shared library!",
+                            "Exception");
+        }
+        if (void* pin = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE)) {
+            dlclose(pin);
+        }
+        handles.push_back(std::move(handle));
+    }
+    return handles;
+}
+
+/// The factory "create_" + name from the first library that exports it.
+Factory find_factory(const std::vector<Library_Handle>& handles, const std::string& name) {
+    const std::string symbol = "create_" + name;
+    for (const auto& handle : handles) {
+        if (void* factory = dlsym(handle.get(), symbol.c_str())) {
+            return reinterpret_cast<Factory>(factory);
+        }
+    }
+    const char* error = dlerror();
+    if (error == nullptr) {
+        throw std::logic_error("basic_string: construction from null is not valid");
+    }
+    throw Exception(where("construct", line_no_factory), error, "Exception");
+}
+
+/// One of the two lists, a failure chained at the location of its file.
+std::vector<std::string> read_list(Architect& architect, const std::string& path, int line) {
+    std::vector<std::string> values;
+    try {
+        architect.parse_config_file(path, values);
+    } catch (const Exception& cause) {
+        throw Exception(where("construct", line), cause);
+    }
+    return values;
+}
+
+/// Registers what a factory made under its own name.
+void register_component(Class_Map& classes, Constructable* made) {
+    std::unique_ptr<Constructable> component(made);
+    if (!component) {
+        return; // nothing to register: a factory without an object has no name
+    }
+    // Held until registered, so that a get_name() that throws loses nothing.
+    const std::string registered = component->get_name();
+    // First of a name wins; a later object of the same name is dropped as
+    // is, neither registered nor deleted: its constructor may have handed
+    // `this` to someone who still uses it.
+    classes.insert(Class_Map::value_type(registered, component.get()));
+    component.release();
+}
+
+} // namespace
+
 void Architect::construct() {
     const std::string& program = args.at(0);
     const std::string tag = program.substr(program.rfind('/') + 1);
-
-    std::vector<std::string> libraries;
-    try {
-        parse_config_file("./config/libraries.cfg", libraries);
-    } catch (const Exception& cause) {
-        throw Exception(where("construct", line_libraries_cfg), cause);
-    }
-
+    std::vector<std::string> libraries =
+        read_list(*this, "./config/libraries.cfg", line_libraries_cfg);
     const std::string suffix = library_suffix();
     for (auto& library : libraries) {
         library = "lib" + library + "." + tag + suffix;
     }
-
-    std::vector<void*> handles;
-    handles.reserve(libraries.size());
-    for (const auto& library : libraries) {
-        void* handle = dlopen(library.c_str(), RTLD_NOW);
-        if (handle == nullptr) {
-            throw Exception(where("construct", line_open_library), "Failed to open shared library!",
-                            "Exception");
-        }
-        // The components outlive the handle closed below: pin the library so
-        // that closing the handle cannot unload their code.
-        if (void* pin = dlopen(library.c_str(), RTLD_NOW | RTLD_NOLOAD | RTLD_NODELETE)) {
-            dlclose(pin);
-        }
-        handles.push_back(handle);
-    }
-
-    std::vector<std::string> class_names;
-    try {
-        parse_config_file("./config/classes.cfg", class_names);
-    } catch (const Exception& cause) {
-        throw Exception(where("construct", line_classes_cfg), cause);
-    }
-
-    for (const auto& name : class_names) {
-        const std::string symbol = "create_" + name;
-        void* factory = nullptr;
-        for (void* handle : handles) {
-            factory = dlsym(handle, symbol.c_str());
-            if (factory != nullptr) {
-                break;
-            }
-        }
-        if (factory == nullptr) {
-            const char* error = dlerror();
-            if (error == nullptr) {
-                throw std::logic_error("basic_string: construction from null is not valid");
-            }
-            throw Exception(where("construct", line_no_factory), error, "Exception");
-        }
-        std::unique_ptr<Constructable> component(reinterpret_cast<Factory>(factory)());
-        if (!component) {
-            continue; // nothing to register: a factory without an object has no name
-        }
-        // Held until registered, so that a get_name() that throws loses nothing.
-        const std::string registered = component->get_name();
-        // First of a name wins; a later object of the same name is dropped as
-        // is, neither registered nor deleted: its constructor may have handed
-        // `this` to someone who still uses it.
-        classes.insert(Class_Map::value_type(registered, component.get()));
-        component.release();
-    }
-
-    for (void* handle : handles) {
-        dlclose(handle);
+    // The handles close when construct() returns or throws.
+    const std::vector<Library_Handle> handles = open_libraries(libraries);
+    for (const auto& name : read_list(*this, "./config/classes.cfg", line_classes_cfg)) {
+        register_component(classes, find_factory(handles, name)());
     }
 }
 

@@ -1,5 +1,6 @@
 #include <orvo/math/polar.h>
 #include <orvo/math/vector3d.h>
+#include <orvo/protocol/constants.h>
 
 #include <cmath>
 
@@ -7,7 +8,7 @@ namespace orvo {
 namespace math {
 
 namespace {
-constexpr double radians_to_degrees = 57.29577951308232;
+constexpr double radians_to_degrees = orvo::protocol::degrees_per_radian;
 constexpr double full_turn = 6.283185307179586;
 } // namespace
 

@@ -126,34 +126,43 @@ const Vector2d& Polygon::update(const std::vector<Vector2d>& points, const Vecto
     return centroid;
 }
 
-void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale) {
-    const double dx = static_cast<double>(q.x) - p.x;
-    const double dy = static_cast<double>(q.y) - p.y;
-    const double mx = (static_cast<double>(q.x) + p.x) * 0.5;
-    const double my = (static_cast<double>(q.y) + p.y) * 0.5;
+namespace {
 
-    // How far a node lies on q's side of the bisector (scaled by |q - p|).
-    // Each node gets one answer, whichever of its two edges asks, so a
-    // bisector passing a node by a rounding error is found on exactly one
-    // side of it. Nodes closer than the rounding of single-precision nodes
-    // count as on the bisector: when a point is listed twice, or an update
-    // is repeated with the same points, the bisector runs along an edge it
-    // cut before, and it must find that edge parallel, not crossed at random.
-    const double on_line = on_line_tolerance * std::sqrt(dx * dx + dy * dy) * scale;
-    const auto offset = [&](const Vector2d& node) {
+/// The bisector of p and q, for telling on which side of it a node lies.
+class Bisector {
+public:
+    Bisector(const Vector2d& q, const Vector2d& p, double scale)
+        : dx(static_cast<double>(q.x) - p.x), dy(static_cast<double>(q.y) - p.y),
+          mx((static_cast<double>(q.x) + p.x) * 0.5), my((static_cast<double>(q.y) + p.y) * 0.5),
+          on_line(on_line_tolerance * std::sqrt(dx * dx + dy * dy) * scale) {}
+
+    /// How far a node lies on q's side of the bisector (scaled by |q - p|).
+    /// Each node gets one answer, whichever of its two edges asks, so a
+    /// bisector passing a node by a rounding error is found on exactly one
+    /// side of it. Nodes closer than the rounding of single-precision nodes
+    /// count as on the bisector: when a point is listed twice, or an update
+    /// is repeated with the same points, the bisector runs along an edge it
+    /// cut before, and it must find that edge parallel, not crossed at random.
+    double offset(const Vector2d& node) const {
         const double s = (node.x - mx) * dx + (node.y - my) * dy;
         return std::fabs(s) <= on_line ? 0.0 : s;
-    };
+    }
 
+private:
+    double dx, dy, mx, my, on_line;
+};
+
+/// The edges the bisector crosses, in list order; how many (at most two).
+int find_crossings(Corner_List& corners, const Bisector& bisector, Crossing (&crossings)[2]) {
     // A convex polygon meets a line in at most two edges. An edge owns its end
     // node but not its start node, so a line through a node is found once.
-    Crossing crossings[2];
     int found = 0;
     const Corner& last = corners.back();
     for (auto it = corners.begin(); it != corners.end() && found < 2; ++it) {
         const auto next = std::next(it);
-        const double here = offset(it->first);
-        const double there = offset(next == corners.end() ? corners.front().first : next->first);
+        const double here = bisector.offset(it->first);
+        const double there =
+            bisector.offset(next == corners.end() ? corners.front().first : next->first);
         // These are the edge's and the start node's cross products with the
         // bisector's direction, so t is the edge parameter of the crossing.
         const double den = there - here;
@@ -164,10 +173,8 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale
         if (t <= 0.0 || t > 1.0) {
             continue;
         }
-        const Vector2d& node = it->first;
-        const Vector2d& edge = it->second;
-        crossings[found].x = static_cast<float>(node.x + t * edge.x);
-        crossings[found].y = static_cast<float>(node.y + t * edge.y);
+        crossings[found].x = static_cast<float>(it->first.x + t * it->second.x);
+        crossings[found].y = static_cast<float>(it->first.y + t * it->second.y);
         crossings[found].corner = it;
         ++found;
         // The next edge starts at the node just found. (The end test only
@@ -176,10 +183,16 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale
             ++it;
         }
     }
-    if (found != 2) {
+    return found;
+}
+
+} // namespace
+
+void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale) {
+    Crossing crossings[2];
+    if (find_crossings(corners, Bisector(q, p, scale), crossings) != 2) {
         return;
     }
-
     // Keep the chain on p's side: it starts at the corner whose node is
     // nearer to p (a node equally far from both belongs to q's side). That
     // node starts a crossed edge, so it is clear of the bisector.
@@ -187,13 +200,19 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale
     const bool first_on_q_side = squared_distance(first_node, q) <= squared_distance(first_node, p);
     const Crossing& from = crossings[first_on_q_side ? 1 : 0];
     const Crossing& to = crossings[first_on_q_side ? 0 : 1];
-    const Corner_List::iterator keep = from.corner;
-    const Corner_List::iterator drop = to.corner;
 
-    set_edge(*keep, from.x, from.y);
+    set_edge(*from.corner, from.x, from.y);
+    // The new edge along the bisector follows `from`'s corner.
+    const Corner_List::iterator bridge = bridge_corner(from.corner, to.corner);
+    set_node(*bridge, from.x, from.y);
+    set_edge(*bridge, to.x, to.y);
+    restart_at_crossing(to.corner, to.x, to.y);
+}
 
-    // The new edge along the bisector follows `keep`. It takes over the first
-    // corner the cut removes, if there is one, instead of a fresh node.
+Polygon::Corner_List::iterator Polygon::bridge_corner(Corner_List::iterator keep,
+                                                      Corner_List::iterator drop) {
+    // The bridge takes over the first corner the cut removes, if there is
+    // one, instead of a fresh node.
     Corner_List::iterator after = std::next(keep);
     if (after == corners.end()) {
         after = corners.begin();
@@ -201,33 +220,33 @@ void Polygon::cut_by_bisector(const Vector2d& q, const Vector2d& p, double scale
     if (after == drop) {
         const Corner_List::iterator fresh = spare_node();
         corners.splice(after, spare, fresh);
-        after = fresh;
-    } else {
-        Corner_List::iterator it = std::next(after);
+        return fresh;
+    }
+    Corner_List::iterator it = std::next(after);
+    if (it == corners.end()) {
+        it = corners.begin();
+    }
+    while (it != drop) {
+        const Corner_List::iterator next = std::next(it);
+        spare.splice(spare.end(), corners, it);
+        it = next;
         if (it == corners.end()) {
             it = corners.begin();
         }
-        while (it != drop) {
-            const Corner_List::iterator next = std::next(it);
-            spare.splice(spare.end(), corners, it);
-            it = next;
-            if (it == corners.end()) {
-                it = corners.begin();
-            }
-        }
     }
-    set_node(*after, from.x, from.y);
-    set_edge(*after, to.x, to.y);
+    return after;
+}
 
-    // `drop` lost its node to the cut; it becomes the edge from the second
-    // crossing to the node that followed it, and the last corner of the list
-    // moves to the front as a replacement would.
+void Polygon::restart_at_crossing(Corner_List::iterator drop, float x, float y) {
+    // `drop` lost its node to the cut; it becomes the edge from the crossing
+    // to the node that followed it, and the last corner of the list moves to
+    // the front as a replacement would.
     Corner_List::iterator follower = std::next(drop);
     if (follower == corners.end()) {
         follower = corners.begin();
         corners.splice(corners.begin(), corners, drop);
     }
-    set_node(*drop, to.x, to.y);
+    set_node(*drop, x, y);
     set_edge(*drop, follower->first.x, follower->first.y);
 }
 

@@ -2,6 +2,7 @@
 #include <orvo/math/polar.h>
 #include <orvo/math/vector2d.h>
 #include <orvo/math/vector3d.h>
+#include <orvo/protocol/constants.h>
 
 #include <cmath>
 
@@ -15,7 +16,7 @@ namespace {
 constexpr const char* source_file = "math/src/vector3d.cpp";
 constexpr int index_check_line = 82;
 
-constexpr double degrees_to_radians = 0.017453292519943295;
+constexpr double degrees_to_radians = orvo::protocol::radians_per_degree;
 // Sine and cosine are taken in single precision, so a right angle leaves a
 // residue of a few 1e-8; anything below ten float epsilons counts as zero.
 constexpr float zero_threshold = 1.1920928955078125e-06f;

@@ -11,6 +11,14 @@
 
 namespace orvo::net {
 
+struct AddrImpl {
+    /// Family, port and host in network byte order.
+    sockaddr_in addr;
+    /// The name the address was built from, or the dotted quad once asked for;
+    /// empty until then.
+    std::string host_text;
+};
+
 namespace {
 
 boost::shared_ptr<AddrImpl> new_body() {
@@ -65,6 +73,10 @@ Addr::Addr(unsigned short port, const std::string& host) : body(new_body()) {
 
 Addr::Addr(const sockaddr_in& addr) : body(new_body()) {
     body->addr = addr;
+}
+
+const sockaddr_in& Addr::getAddr() const {
+    return body->addr;
 }
 
 unsigned int Addr::getHost() const {

@@ -1,4 +1,5 @@
 #include <orvo/net/comm_unit.h>
+#include <orvo/protocol/framing.h>
 
 #include <poll.h>
 #include <sys/select.h>
@@ -14,7 +15,7 @@ namespace orvo::net {
 namespace {
 
 constexpr std::size_t receive_size = 16384;
-constexpr std::size_t prefix_size = 4;
+constexpr std::size_t prefix_size = protocol::length_prefix_size;
 
 // Shared by every CommUnit: receiving is single-threaded by contract, and a
 // returned message is copied out before the next call.
@@ -24,12 +25,6 @@ char* const receive_end = receive_buffer + receive_size;
 // dropped as incomplete overwrites it, and a failed read must not bring that
 // fragment back as if it were a message.
 bool buffer_holds_message = false;
-
-std::uint32_t big_endian(const char* bytes) {
-    const auto* b = reinterpret_cast<const unsigned char*>(bytes);
-    return (std::uint32_t{b[0]} << 24) | (std::uint32_t{b[1]} << 16) | (std::uint32_t{b[2]} << 8) |
-           std::uint32_t{b[3]};
-}
 
 /// The payload text from the start of the buffer's payload up to the first
 /// NUL, never past `end`.
@@ -96,13 +91,7 @@ void CommUnit::write_message(const std::string& msg) {
     if (msg.empty() || !socket.isOpen() || msg.size() > UINT32_MAX - prefix_size) {
         return;
     }
-    const auto length = static_cast<std::uint32_t>(msg.size());
-    std::string frame(prefix_size + msg.size(), '\0');
-    frame[0] = static_cast<char>(length >> 24);
-    frame[1] = static_cast<char>(length >> 16);
-    frame[2] = static_cast<char>(length >> 8);
-    frame[3] = static_cast<char>(length);
-    std::memcpy(&frame[prefix_size], msg.data(), msg.size());
+    const std::string frame = protocol::frame(msg);
     // One call for the whole frame, as a plain write would make; the flag keeps
     // a server that went away from killing the agent with SIGPIPE.
     const ssize_t ignored = ::send(socket.getFD(), frame.data(), frame.size(), MSG_NOSIGNAL);
@@ -148,7 +137,7 @@ std::string CommUnit::get_message() {
         buffer_holds_message = false;
     }
 
-    const std::uint32_t length = big_endian(receive_buffer);
+    const std::uint32_t length = protocol::read_length(receive_buffer);
     std::size_t have = static_cast<std::size_t>(first) - prefix_size;
     char* position = receive_buffer + first;
     while (length > have) {

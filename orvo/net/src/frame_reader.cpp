@@ -1,4 +1,5 @@
 #include <orvo/net/frame_reader.h>
+#include <orvo/protocol/framing.h>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -13,15 +14,9 @@ namespace orvo::net {
 
 namespace {
 
-constexpr std::size_t prefix_size = 4;
+constexpr std::size_t prefix_size = protocol::length_prefix_size;
 // Several perceptions of a few kilobytes each: reads seldom need to compact.
 constexpr std::size_t initial_capacity = 65536;
-
-std::uint32_t big_endian(const char* bytes) {
-    const auto* b = reinterpret_cast<const unsigned char*>(bytes);
-    return (std::uint32_t{b[0]} << 24) | (std::uint32_t{b[1]} << 16) | (std::uint32_t{b[2]} << 8) |
-           std::uint32_t{b[3]};
-}
 
 using Clock = std::chrono::steady_clock;
 
@@ -87,7 +82,7 @@ Received FrameReader::read(int fd, std::string& payload, std::chrono::millisecon
         }
         const std::size_t held = end - begin;
         make_room(held < prefix_size ? prefix_size - held
-                                     : prefix_size + big_endian(&buffer[begin]) - held);
+                                     : prefix_size + protocol::read_length(&buffer[begin]) - held);
         // Trying first costs nothing when data is there, which under load is
         // the common case; only an empty queue pays for the wait.
         const ssize_t got = ::recv(fd, &buffer[end], capacity - end, MSG_DONTWAIT);
@@ -122,7 +117,7 @@ bool FrameReader::take_frame(std::string& payload) {
     if (held < prefix_size) {
         return false;
     }
-    const std::uint32_t length = big_endian(&buffer[begin]);
+    const std::uint32_t length = protocol::read_length(&buffer[begin]);
     if (length > max_payload) {
         // Nothing after this prefix can be framed any more.
         ended = true;

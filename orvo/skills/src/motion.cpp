@@ -13,9 +13,6 @@ namespace orvo::skills {
 namespace {
 
 constexpr const char* source_file = "skills/src/motion.cpp";
-// Location lines of the reports, fixed parts of the traces users see.
-constexpr int line_parse = 61;
-constexpr int line_load = 117;
 
 [[noreturn]] void fail(const char* function, int line, const std::string& message) {
     throw MotionException(gen_ffl_string(source_file, function, line), message);
@@ -78,13 +75,13 @@ Motion Motion::parse(std::string_view text, const std::string& origin) {
         Keyframe keyframe;
         const auto duration = to_number(words[0]);
         if (!duration || *duration <= 0) {
-            fail("parse", line_parse,
+            fail("parse", __LINE__,
                  at + "the duration '" + std::string(words[0]) +
                      "' is not a positive number of seconds");
         }
         keyframe.duration = *duration;
         if (words.size() == 1) {
-            fail("parse", line_parse, at + "a keyframe needs at least one JOINT=DEGREES");
+            fail("parse", __LINE__, at + "a keyframe needs at least one JOINT=DEGREES");
         }
         for (std::size_t i = 1; i < words.size(); ++i) {
             const std::string_view word = words[i];
@@ -92,17 +89,17 @@ Motion Motion::parse(std::string_view text, const std::string& origin) {
             const std::string name(word.substr(0, equals));
             const auto joint = robot::joint_by_name(name);
             if (!joint) {
-                fail("parse", line_parse, at + "unknown joint '" + name + "'");
+                fail("parse", __LINE__, at + "unknown joint '" + name + "'");
             }
             const auto angle = equals == std::string_view::npos
                                    ? std::nullopt
                                    : to_number(word.substr(equals + 1));
             if (!angle) {
-                fail("parse", line_parse,
+                fail("parse", __LINE__,
                      at + "'" + std::string(word) + "' does not give " + name + " in degrees");
             }
             if (keyframe.joints.test(robot::index(*joint))) {
-                fail("parse", line_parse, at + name + " is given twice");
+                fail("parse", __LINE__, at + name + " is given twice");
             }
             keyframe.joints.set(robot::index(*joint));
             keyframe.angles[robot::index(*joint)] = *angle;
@@ -112,7 +109,7 @@ Motion Motion::parse(std::string_view text, const std::string& origin) {
         motion.keyframes_.push_back(keyframe);
     }
     if (motion.keyframes_.empty()) {
-        fail("parse", line_parse, origin + ": no keyframe");
+        fail("parse", __LINE__, origin + ": no keyframe");
     }
     return motion;
 }
@@ -121,11 +118,11 @@ Motion Motion::load(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::error_code ignored;
     if (!file || std::filesystem::is_directory(path, ignored)) {
-        fail("load", line_load, path + ": cannot be read");
+        fail("load", __LINE__, path + ": cannot be read");
     }
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (file.bad()) {
-        fail("load", line_load, path + ": cannot be read");
+        fail("load", __LINE__, path + ": cannot be read");
     }
     return parse(text, path);
 }

@@ -14,7 +14,6 @@ namespace orvo::skills {
 namespace {
 
 constexpr const char* source_file = "skills/src/skill_joints.cpp";
-constexpr int line_link = 24;
 
 } // namespace
 
@@ -27,7 +26,16 @@ void Skill_Joints::link(Class_Map& classes) {
     try {
         effector = get_class<effectors::Effector_Joints>(*this, "effector_joints", classes);
     } catch (const LinkException& missing) {
-        throw LinkException(gen_ffl_string(source_file, "link", line_link), missing);
+        throw LinkException(gen_ffl_string(source_file, "link", __LINE__), missing);
+    }
+}
+
+void Skill_Joints::init() {
+    if (skill_injector == nullptr || effector == nullptr) {
+        throw LogicException(gen_ffl_string(source_file, "init", __LINE__),
+                             skill_injector == nullptr
+                                 ? "\"injector_skill\" is not an Injector_Skill"
+                                 : "\"effector_joints\" is not an Effector_Joints");
     }
 }
 

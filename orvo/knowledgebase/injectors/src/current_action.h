@@ -16,7 +16,9 @@ inline const boost::shared_ptr<descriptors::Descriptor_Action> no_action;
 inline const boost::shared_ptr<descriptors::Descriptor_Action>&
 current_action_of(const ActionLog* log) {
     assert(log != nullptr && "the injector is used before it was linked");
-    return log->current_action == log->actions.end() ? no_action : log->current_action->second;
+    return log->get_current_action() == log->get_actions().end()
+               ? no_action
+               : log->get_current_action()->second;
 }
 
 } // namespace orvo::knowledgebase::injectors::detail

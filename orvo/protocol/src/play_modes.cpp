@@ -1,8 +1,8 @@
-#include <orvo/perception/play_mode.h>
+#include <orvo/protocol/play_modes.h>
 
 #include <array>
 
-namespace orvo::perception {
+namespace orvo::protocol {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::string_view name_of(PlayMode mode) {
     return index < names.size() ? names[index] : names[0];
 }
 
-} // namespace orvo::perception
+} // namespace orvo::protocol

@@ -1,9 +1,8 @@
-#ifndef ORVO_DEMO_DRAWING_WIRE_H
-#define ORVO_DEMO_DRAWING_WIRE_H
+#ifndef ORVO_PROTOCOL_DRAWING_WIRE_H
+#define ORVO_PROTOCOL_DRAWING_WIRE_H
 
-// Byte layout of the demo's debug drawings, shared by the agents that send
-// them and the stand-in server that draws them. Deliberately free of any orvo
-// header so that a viewer can use it without the library.
+// Byte layout of the agents' debug drawings, shared by the agents that send
+// them and the programs that draw them (the stand-in server, the viewer).
 //
 // Every batch begins with the 3-byte opening datagram 0x03 0x00 <header>;
 // then one datagram per shape:
@@ -18,6 +17,8 @@
 //
 // Coordinates are in the sending team's own frame (its goal at negative x).
 
+#include <boost/endian/conversion.hpp>
+
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -26,7 +27,7 @@
 #include <string_view>
 #include <vector>
 
-namespace demo::wire {
+namespace orvo::protocol::drawing {
 
 constexpr std::uint8_t opening_0 = 0x03;
 constexpr std::uint8_t opening_1 = 0x00;
@@ -81,17 +82,11 @@ inline void put_millimetres(float metres, unsigned char* out) {
     const double scaled = std::round(static_cast<double>(metres) * 1000.0);
     // Beyond +-2000 km nothing is on a soccer field; clamping keeps the cast defined.
     const double clamped = scaled > 2e9 ? 2e9 : (scaled < -2e9 ? -2e9 : scaled);
-    const auto bits = static_cast<std::uint32_t>(static_cast<std::int32_t>(clamped));
-    out[0] = static_cast<unsigned char>(bits >> 24);
-    out[1] = static_cast<unsigned char>(bits >> 16);
-    out[2] = static_cast<unsigned char>(bits >> 8);
-    out[3] = static_cast<unsigned char>(bits);
+    boost::endian::store_big_s32(out, static_cast<std::int32_t>(clamped));
 }
 
 inline float get_millimetres(const unsigned char* in) {
-    const std::uint32_t bits = (std::uint32_t{in[0]} << 24) | (std::uint32_t{in[1]} << 16) |
-                               (std::uint32_t{in[2]} << 8) | std::uint32_t{in[3]};
-    return static_cast<float>(static_cast<std::int32_t>(bits)) / 1000.0f;
+    return static_cast<float>(boost::endian::load_big_s32(in)) / 1000.0f;
 }
 } // namespace detail
 
@@ -155,6 +150,6 @@ inline bool decode(const unsigned char* data, std::size_t size, Shape& shape) {
     return true;
 }
 
-} // namespace demo::wire
+} // namespace orvo::protocol::drawing
 
 #endif
