@@ -206,6 +206,9 @@ if [ -n "$external" ]; then
   server_host=${external%:*}
   tcp_port=${external##*:}
   gap=0.1
+  # In sync mode a robot that connects before the one before it has joined
+  # stalls the server, and agents join at the pace the machine allows.
+  [ ${#sync[@]} = 0 ] || gap=0.5
   echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the server" \
     "at $external"
   # A real server takes no drawings: the agents send theirs to the drawing
