@@ -5,6 +5,7 @@ The seeds are committed; run this again only to change them. Each seed is a
 small input that reaches one behaviour the fuzzer should start from.
 """
 import pathlib
+import re
 import struct
 
 root = pathlib.Path(__file__).resolve().parent / "corpus"
@@ -108,7 +109,7 @@ for name, data in reader.items():
 # Perception messages: every message recorded from a real server, and one
 # made-up message with every kind of element the reader knows.
 recorded = pathlib.Path(__file__).resolve().parent.parent / "tests" / "perception" / "data"
-for recording in ("server-messages.txt", "team-messages.txt"):
+for recording in ("server-messages.txt", "team-messages.txt", "nonfinite-messages.txt"):
     lines = (recorded / recording).read_bytes().splitlines()
     for number, line in enumerate(lines, 1):
         write("perception_reader_fuzzer", f"{recording[:-4]}-{number:02}", line)
@@ -142,4 +143,22 @@ write(
     + b"(nd StaticMesh (load models/soccerball.obj))))\n"
     b"((time 0.04)(play_mode 3))(RDS 0 1)((nd(nd (SLT 0 1 0 0 -1 0 0 0 0 0 1 0 1 2 0.3 1)"
     b"(nd(nd)))(nd(nd(nd))))(nd (SLT 1 0 0 0 0 1 0 0 0 0 1 0 3 -1 0.04 1)(nd)))",
+)
+
+# Values that are not numbers, which cost only their element: the field line
+# a real server sent in a game of eleven robots, and the message above with
+# its numbers replaced in turn by "nan", "inf" and "-inf".
+write(
+    "perception_reader_fuzzer",
+    "nan_field_line",
+    b"(time (now 80.12))(GS (t 20.30) (pm PlayOn))(See (L (pol nan nan nan) "
+    b"(pol 8.46 -60.16 -3.84)) (B (pol 1 2 3)))(HJ (n hj1) (ax -0.00))",
+)
+every = (root / "perception_reader_fuzzer" / "every_element").read_bytes()
+bad = [b"nan", b"inf", b"-inf"]
+numbers = iter(range(1 << 30))
+write(
+    "perception_reader_fuzzer",
+    "not_finite_everywhere",
+    re.sub(rb"(?<= )-?[0-9.]+(?=[ )])", lambda m: bad[next(numbers) % 3], every),
 )

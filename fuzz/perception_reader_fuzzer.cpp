@@ -3,7 +3,8 @@
 // with an offset past the message; a value the reader promises to refuse (a
 // number that is not finite); a result that depends on what the reused
 // Perception held before (the same input read into a fresh one must agree);
-// and a message that reads but reads again with one more ')' at its end.
+// a message that reads but reads again with one more ')' at its end; and lost
+// elements (values that are not numbers) counted unlike the message says.
 #include <orvo/perception/perception_reader.h>
 
 #include <cmath>
@@ -59,10 +60,11 @@ void check_values(const Perception& p) {
 bool same(const Perception& a, const Perception& b) {
     const GameState& x = a.game_state;
     const GameState& y = b.game_state;
-    bool equal = a.has_time == b.has_time && a.has_game_state == b.has_game_state &&
-                 x.unum == y.unum && x.side == y.side && x.play_mode == y.play_mode &&
-                 x.play_mode_name == y.play_mode_name && a.joints.count() == b.joints.count() &&
-                 a.has_vision == b.has_vision && a.has_position == b.has_position &&
+    bool equal = a.lost_elements == b.lost_elements && a.has_time == b.has_time &&
+                 a.has_game_state == b.has_game_state && x.unum == y.unum && x.side == y.side &&
+                 x.play_mode == y.play_mode && x.play_mode_name == y.play_mode_name &&
+                 a.joints.count() == b.joints.count() && a.has_vision == b.has_vision &&
+                 a.has_position == b.has_position &&
                  a.vision.landmarks_seen == b.vision.landmarks_seen &&
                  a.vision.sees_ball == b.vision.sees_ball &&
                  a.vision.players.size() == b.vision.players.size() &&
@@ -93,8 +95,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const ReadResult result = reader.read(message, reused);
     const ReadResult again = reader.read(message, fresh);
-    if (result.fault != again.fault || result.offset != again.offset) {
+    if (result.fault != again.fault || result.offset != again.offset || result.lost != again.lost ||
+        result.lost_offset != again.lost_offset) {
         finding("the result depends on the Perception's past");
+    }
+    if (result.lost != reused.lost_elements || (result.lost == 0 && result.lost_offset != 0) ||
+        result.lost_offset > size) {
+        finding("lost elements miscounted or placed past the message");
     }
     if (!result.ok()) {
         if (result.offset > size) {

@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# The demo: builds orvo, the host program, the demo plug-ins and the stand-in
-# server, then lets a team of agent processes (each an orvo_host assembling
-# the demo plug-ins) play against the stand-in server, or against an external
-# one, and shows what every agent perceived, one agent's action log, the
-# server's summary and the SVG picture of the field.
+# The demo: builds orvo, the host program, the demo plug-ins and the server
+# tools, then lets a team of agent processes (each an orvo_host assembling the
+# demo plug-ins) play against a real simulation server of its own when one is
+# installed (rcssserver3d), else against the stand-in server, or against an
+# external server, and shows what every agent perceived, one agent's action
+# log, the server's summary and the SVG picture of the field. It exits
+# non-zero when an agent failed or the server went away before the game's end.
 #
-#   scripts/demo.sh [--agents N] [--teams N] [--cycles N] [--types LIST] [--sync]
-#                   [--slowdown F] [--server HOST:PORT] [--monitor-port N] [--live]
-#                   [--no-build] [--build-dir DIR] [--run-dir DIR]
+#   scripts/demo.sh [--standin] [--agents N] [--teams N] [--cycles N] [--types LIST]
+#                   [--sync] [--slowdown F] [--server HOST:PORT] [--monitor-port N]
+#                   [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
 #
+#   --standin         play the stand-in server even when a real one is installed
 #   --agents N        agent processes per team (default 11, at most 11)
 #   --teams N         1 (default) or 2; the second team plays from the other half
 #   --cycles N        server cycles every agent plays after the kick-off
@@ -16,8 +19,9 @@
 #   --types LIST      robot types (0 to 4) of the players in start order,
 #                     repeated when shorter than the team (default
 #                     0,0,0,0,0,1,1,1,1,2,2: a mix real servers accept)
-#   --sync            let the stand-in step as soon as every agent has answered,
-#                     instead of in real time; used to measure the agents
+#   --sync            let the server (real or stand-in) step as soon as every
+#                     agent has answered, instead of in real time; used to
+#                     measure the agents and the server's speed
 #   --slowdown F      the stand-in's cycles take F times 20 ms (default 1)
 #   --server HOST:PORT  play an external server (a real one) instead of the
 #                     stand-in; the kick-off goes to its monitor port, and the
@@ -35,7 +39,7 @@
 # slowdown; 100 ms for an external server), since a server refuses robots
 # whose connections arrive in the same cycle. Once the last has connected and
 # the team has had 100 cycles to spread out, the game is kicked off by
-# "(kickOff Left)" on the server's monitor port.
+# "(kickOff Left)" on the server's monitor port (orvo_trainer).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -48,6 +52,7 @@ sync=()
 slowdown=1
 external=
 live=no
+standin=no
 drawing_host=
 monitor_port=3200
 build=yes
@@ -67,7 +72,8 @@ while [ $# -gt 0 ]; do
     --no-build) build=no; shift ;;
     --build-dir) build_dir=$(realpath -m "$2"); shift 2 ;;
     --run-dir) run=$(realpath -m "$2"); shift 2 ;;
-    -h|--help) sed -n '2,38p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    --standin) standin=yes; shift ;;
+    -h|--help) sed -n '2,43p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "demo.sh: unknown argument $1 (see --help)" >&2; exit 2 ;;
   esac
 done
@@ -85,21 +91,39 @@ IFS=, read -r -a type_list <<< "$types"
 [[ $monitor_port =~ ^[0-9]+$ ]] || fail "--monitor-port takes a port"
 if [ -n "$external" ]; then
   [[ $external =~ ^(.+):([0-9]+)$ ]] || fail "--server takes HOST:PORT"
-  [ ${#sync[@]} = 0 ] || fail "--sync is for the stand-in only"
+  [ ${#sync[@]} = 0 ] || fail "--sync is for servers the demo starts"
+fi
+# Which server: an external one, a real one of the demo's own, or the stand-in.
+real=no
+if [ -z "$external" ] && [ "$standin" = no ]; then
+  if command -v rcssserver3d > /dev/null; then
+    real=yes
+    [ "$live" = no ] || fail "--live shows the stand-in's game; add --standin"
+    [ "$slowdown" = 1 ] || fail "--slowdown is for the stand-in; add --standin"
+  else
+    echo "demo.sh: no real simulation server installed (rcssserver3d): playing the stand-in"
+  fi
 fi
 
 if [ "$build" = yes ]; then
   scripts/install-deps.sh
   cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
   cmake --build "$build_dir" -j "$(nproc)" --target orvo_host orvo_demo orvo_standin_server \
-    orvo_viewer
+    orvo_viewer orvo_simserver_cli orvo_trainer_cli orvo_await_link_cli
 fi
 host=$build_dir/examples/host/orvo_host
 server=$build_dir/tools/standin_server/orvo_standin_server
 viewer=$build_dir/tools/viewer/orvo_viewer
+tools=$build_dir/tools/simserver
 plugins=$build_dir/examples/demo
-needed=("$host" "$plugins/libdemo.demo.so")
-if [ -n "$external" ]; then needed+=("$viewer"); else needed+=("$server"); fi
+needed=("$host" "$plugins/libdemo.demo.so" "$tools/orvo_trainer" "$tools/orvo_await_link")
+if [ -n "$external" ]; then
+  needed+=("$viewer")
+elif [ "$real" = yes ]; then
+  needed+=("$viewer" "$tools/orvo_simserver")
+else
+  needed+=("$server")
+fi
 for file in "${needed[@]}"; do
   if [ ! -e "$file" ]; then
     echo "demo.sh: $file is missing; run without --no-build" >&2
@@ -150,47 +174,41 @@ wait_for() {
   return $status
 }
 
-# links PID: "LOCAL REMOTE" (ports in hex, as the kernel lists them) of each
-# established TCP connection of process PID.
-links() {
-  local inodes
-  inodes=$(find /proc/"$1"/fd -lname 'socket:*' -printf '%l ' 2> /dev/null | tr -dc '0-9 ')
-  [ -n "${inodes// /}" ] || return 0
-  awk -v inodes=" $inodes " '$4 == "01" && index(inodes, " " $10 " ") {
-      sub(/.*:/, "", $2); sub(/.*:/, "", $3); print $2, $3 }' \
-    /proc/net/tcp /proc/net/tcp6 2> /dev/null || true
-}
-
 # wait_connected PID: waits (bounded) until agent PID has connected to the
 # server and, with the stand-in, until the server has accepted the connection
 # (a server takes connections in at its cycles, so a connection waiting to be
 # accepted could still land in the same cycle as the next one).
 wait_connected() {
-  local deadline=$((SECONDS + 20 * slowdown)) own
-  while kill -0 "$1" 2> /dev/null && [ $SECONDS -lt $deadline ]; do
-    own=$(links "$1" | awk -v port="$port_hex" '$2 == port { print $1; exit }')
-    if [ -n "$own" ]; then
-      if [ -z "$server_pid" ] || links "$server_pid" | grep -q "^$port_hex $own\$"; then
-        return 0
-      fi
-    fi
-    sleep 0.01
-  done
-  return 1
-}
-
-# kick_off HOST PORT: "(kickOff Left)" as one frame on the monitor port.
-kick_off() {
-  timeout 5 bash -c 'exec 3<> "/dev/tcp/$0/$1" && printf "\000\000\000\016(kickOff Left)" >&3' \
-    "$1" "$2"
+  local accepted=()
+  [ -z "$server_pid" ] || accepted=(--server-pid "$server_pid")
+  "$tools/orvo_await_link" --pid "$1" --port "$tcp_port" "${accepted[@]}" \
+    --timeout $((20 * slowdown))
 }
 
 rm -rf "$run"
 mkdir -p "$run"
+simserver_pid=
+if [ "$real" = yes ]; then
+  # A real server of the demo's own on free ports, in real time unless --sync.
+  pace=(--realtime)
+  [ ${#sync[@]} = 0 ] || pace=()
+  "$tools/orvo_simserver" "${pace[@]}" --ready-file "$run/server-ready" \
+    --log "$run/server-log.txt" > "$run/simserver.txt" 2>&1 &
+  simserver_pid=$!
+  pids+=("$simserver_pid")
+  await_ports "$run/server-ready" "$run/simserver.txt" "the real simulation server"
+  read -r _ tcp_port monitor_port < "$run/server-ready"
+  external=127.0.0.1:$tcp_port
+  echo "== a real simulation server on port $tcp_port ($([ ${#sync[@]} = 0 ] && echo real time ||
+    echo sync mode)); --standin plays the stand-in"
+fi
 if [ -n "$external" ]; then
   server_host=${external%:*}
   tcp_port=${external##*:}
   gap=0.1
+  # In sync mode a robot that connects before the one before it has joined
+  # stalls the server, and agents join at the pace the machine allows.
+  [ ${#sync[@]} = 0 ] || gap=0.5
   echo "== $((agents * teams)) agents play $cycles cycles after the kick-off against the server" \
     "at $external"
   # A real server takes no drawings: the agents send theirs to the drawing
@@ -232,7 +250,6 @@ else
       "(until the game ends)"
   fi
 fi
-port_hex=$(printf '%04X' "$tcp_port")
 
 # Every agent runs in a directory of its own, <run>/<team>/<start order>,
 # since each has its own settings (its robot type).
@@ -267,21 +284,38 @@ done
 
 # The team spreads out over 100 cycles before the kick-off.
 sleep "$(awk -v f="$slowdown" 'BEGIN { printf "%.2f", 100 * 0.02 * f }')"
-if ! kick_off "$server_host" "$monitor_port" 2> /dev/null; then
+if ! "$tools/orvo_trainer" --host "$server_host" --port "$monitor_port" "(kickOff Left)"; then
   echo "demo.sh: no kick-off: nothing answers on $server_host:$monitor_port" >&2
 fi
 
+kicked_off_at=$(date +%s.%N)
 failed=0
+gone=0
 budget=$(((cycles / 25 + 30) * slowdown))
 for index in "${!agent_pids[@]}"; do
   status=0
   wait_for "${agent_pids[$index]}" "$budget" || status=$?
   if [ $status -ne 0 ]; then
-    echo "demo.sh: agent process ${outputs[$index]%/output.txt} ended with status $status:" >&2
-    tail -n 20 "${outputs[$index]}" >&2
     failed=1
+    # An agent whose server went away says so in one line; others show their end.
+    if grep -q "the server went away" "${outputs[$index]}"; then
+      gone=$((gone + 1))
+    else
+      echo "demo.sh: agent process ${outputs[$index]%/output.txt} ended with status $status:" >&2
+      tail -n 20 "${outputs[$index]}" >&2
+    fi
   fi
 done
+ended_at=$(date +%s.%N)
+if [ -n "$simserver_pid" ]; then
+  if ! kill -0 "$simserver_pid" 2> /dev/null; then
+    echo "demo.sh: the real simulation server ended during the game:" >&2
+    tail -n 5 "$run/simserver.txt" >&2
+    failed=1
+  fi
+  kill -TERM "$simserver_pid" 2> /dev/null || true
+  wait_for "$simserver_pid" 10 || true
+fi
 if [ -n "$server_pid" ]; then
   server_status=0
   wait_for "$server_pid" 20 || server_status=$?
@@ -305,6 +339,8 @@ for output in "${outputs[@]}"; do
   type=$(sed -n 's/^type //p' "${output%output.txt}config/server.cfg")
   line=$(awk 'NR <= 2 { text = text $0 "; " } NR == 3 { print text $0; exit }' "$output")
   echo "$agent, type $type: ${line:-(no report)}"
+  gone_line=$(grep -m 1 "the server went away" "$output" || true)
+  [ -z "$gone_line" ] || echo "$agent: ${gone_line#*: }"
 done
 # One agent's story: the one the server made number 7, or the first.
 shown=$(grep -l "^agent 7 of team" "${outputs[@]}" 2> /dev/null | head -n 1 || true)
@@ -326,4 +362,14 @@ if [ -n "$viewer_pid" ]; then
   grep -v "^orvo_viewer:" "$run/viewer.txt" || true
 fi
 [ ! -e "$run/field.svg" ] || { echo; echo "== picture of the field: $run/field.svg"; }
+if [ $failed -eq 0 ]; then
+  echo
+  awk -v c="$cycles" -v a="$kicked_off_at" -v b="$ended_at" 'BEGIN {
+    printf "== the game: %d cycles (%.1f s of play) in %.1f s from the kick-off (%.2f times real time)\n",
+           c, c * 0.02, b - a, c * 0.02 / (b - a) }'
+fi
+if [ $gone -ne 0 ]; then
+  echo "demo.sh: the server went away before the game's end: $gone of ${#outputs[@]} agents" \
+    "said so; the game was not played out" >&2
+fi
 exit $failed

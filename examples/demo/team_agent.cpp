@@ -15,6 +15,8 @@
 #include <iostream>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <stdexcept>
+#include <string>
 #include <sys/socket.h>
 
 namespace demo {
@@ -68,7 +70,14 @@ void TeamAgent::run() {
            clock.cycles() - before_kick_off < settings.cycles) {
         const orvo::net::Received got = messenger->receive(wait);
         if (got == orvo::net::Received::closed) {
-            break;
+            if (settings.cycles == 0) {
+                break; // the game lasts as long as the server keeps the connection
+            }
+            report(std::cout);
+            const unsigned played = kicked_off ? clock.cycles() - before_kick_off : 0;
+            throw std::runtime_error("the server went away after " + std::to_string(played) +
+                                     " of " + std::to_string(settings.cycles) +
+                                     " cycles of the game");
         }
         if (got == orvo::net::Received::timed_out) {
             throw orvo::Exception(where("run", __LINE__),
@@ -89,6 +98,10 @@ void TeamAgent::play(const std::string& message) {
     if (!reader.read(message, perception) || !perception.has_time) {
         ++unreadable; // still answered, so that a synchronous server goes on
     } else {
+        lost_elements += perception.lost_elements;
+        if (perception.lost_elements != 0 && lost_examples.size() < 3) {
+            lost_examples.push_back(message); // shown after the report
+        }
         clock.perceived(perception.time);
         world->update(perception);
         if (!kicked_off && world->kicked_off()) {
@@ -136,6 +149,10 @@ void TeamAgent::report(std::ostream& out) {
     if (unreadable != 0) {
         out << ", " << unreadable << " unreadable messages";
     }
+    if (lost_elements != 0) {
+        out << ", " << lost_elements << (lost_elements == 1 ? " element" : " elements")
+            << " lost to values that are not numbers";
+    }
     out << "\nperceptions: " << clock.received() << " received, " << clock.missed() << " missed\n";
     char joints[96];
     std::snprintf(joints, sizeof joints,
@@ -157,6 +174,9 @@ void TeamAgent::report(std::ostream& out) {
                       sorted.front(), sorted[sorted.size() / 2], sorted[sorted.size() * 99 / 100],
                       sorted.back(), sorted.size());
         out << line;
+    }
+    for (const std::string& example : lost_examples) {
+        out << "perception with values that are not numbers: " << example << '\n';
     }
     out.flush();
 }

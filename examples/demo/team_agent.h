@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <ostream>
+#include <string>
 #include <vector>
 
 namespace orvo::behaviors {
@@ -66,7 +67,9 @@ private:
     unsigned before_kick_off = 0; ///< server cycles from the first perception to the kick-off
     bool joined = false;          ///< "init" sent
     unsigned unreadable = 0;
-    std::vector<double> cycle_micros; ///< receive to "(syn)" sent, per cycle
+    unsigned lost_elements = 0;             ///< left out of perceptions that were read
+    std::vector<std::string> lost_examples; ///< the first perceptions that lost elements
+    std::vector<double> cycle_micros;       ///< receive to "(syn)" sent, per cycle
 };
 
 } // namespace demo

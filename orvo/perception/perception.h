@@ -152,6 +152,10 @@ struct ORVO_API Perception {
 
     ReusedList<Heard> heard;
 
+    /// Elements of this message left out because a value in them was not a
+    /// finite number: each reads as if the server had not sent it.
+    std::uint32_t lost_elements = 0;
+
     /// Forgets the previous message's content, keeping the storage.
     void clear();
 };

@@ -22,14 +22,20 @@ enum class ReadFault : std::uint8_t {
 };
 
 /// The outcome of reading one message: success, or the fault and the byte
-/// offset in the message where reading stopped.
+/// offset in the message where reading stopped. A message that reads may
+/// still have lost elements to values that are not numbers (see
+/// Perception::lost_elements); `lost` counts them and `lost_offset` is where
+/// the first bad value starts.
 struct ORVO_API ReadResult {
     ReadFault fault = ReadFault::none;
     std::size_t offset = 0;
+    std::uint32_t lost = 0;
+    std::size_t lost_offset = 0;
 
     bool ok() const { return fault == ReadFault::none; }
     explicit operator bool() const { return ok(); }
-    /// E.g. "not a number at byte 42"; "read" when ok.
+    /// E.g. "not a number at byte 42"; "read" when ok, "read, 1 element lost
+    /// (not a number at byte 12)" when ok with losses.
     std::string describe() const;
 };
 
@@ -39,7 +45,11 @@ struct ORVO_API ReadResult {
 /// are skipped, wherever they are; elements it knows may carry extra values
 /// after the ones it reads. A message is read as a sequence of whole elements,
 /// so one cut between two elements reads as a shorter message; cut anywhere
-/// else, it fails with ReadFault::unclosed at its end.
+/// else, it fails with ReadFault::unclosed at its end. A value that is not a
+/// finite number ("nan", "inf", "-inf", or no number at all) costs only the
+/// element that carries it: a joint, a sensor, the game state, a seen object,
+/// one body part of a seen robot, a line, a heard message. That element reads
+/// as not sent, the rest of the message is read, and the loss is counted.
 class ORVO_API PerceptionReader {
 public:
     PerceptionReader();

@@ -28,6 +28,8 @@ public:
         }
         return items[count++];
     }
+    /// Takes back the element add() handed out last.
+    void drop_last() { --count; }
 
 private:
     std::vector<T> items;

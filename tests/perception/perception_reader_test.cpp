@@ -142,15 +142,6 @@ TEST(PerceptionReader, RefusesMalformedMessagesAtTheFaultyByte) {
         {"(time (now 1.0)))", ReadFault::unopened, 16},
         {")", ReadFault::unopened, 0},
         {"(time (now 1.0)) junk (GS)", ReadFault::stray_text, 17},
-        {"(time (now x))", ReadFault::bad_number, 11},
-        {"(time (now 1.0.0))", ReadFault::bad_number, 11},
-        {"(time (now nan))", ReadFault::bad_number, 11},
-        {"(HJ (n hj1) (ax 1e99))", ReadFault::bad_number, 16},
-        {"(GS (unum 1.5))", ReadFault::bad_number, 10},
-        {"(See (B (pol 1 2)))", ReadFault::bad_number, 16},
-        {"(mypos 1 2 (3))", ReadFault::bad_number, 11},
-        {"(hear team 1.0 left hi)", ReadFault::bad_number, 15},
-        {"(time (now 1.0))(GS (t 0) (sl +))", ReadFault::bad_number, 30},
     };
     PerceptionReader reader;
     Perception p;
@@ -159,7 +150,8 @@ TEST(PerceptionReader, RefusesMalformedMessagesAtTheFaultyByte) {
         EXPECT_EQ(result.fault, c.fault) << c.message;
         EXPECT_EQ(result.offset, c.offset) << c.message;
     }
-    EXPECT_EQ(reader.read("(time (now x))", p).describe(), "not a number at byte 11");
+    EXPECT_EQ(reader.read("(time (now 1.0))(", p).describe(),
+              "message ends inside an element at byte 17");
     EXPECT_EQ(reader.read(" \t\r\n", p).describe(), "read");
 }
 

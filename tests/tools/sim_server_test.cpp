@@ -4,12 +4,14 @@
 
 #include <csignal>
 
+#include "real_server.h"
 #include "sim_robot.h"
 #include "sim_server.h"
 
 namespace {
 
 TEST(SimServer, RobotJoinsWithItsNumberAndTheServerIsGoneAfterStop) {
+    ORVO_REQUIRE_REAL_SERVER();
     pid_t pid = 0;
     int agent_port = 0;
     {

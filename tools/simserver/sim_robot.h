@@ -30,7 +30,8 @@ struct RobotEntry {
 /// connection that drills and tests use instead of a whole plug-in agent.
 /// It joins the way a server requires (the scene, then "init" only after the
 /// first perception) and, in sync mode, ends every command with "(syn)" so
-/// the server steps on.
+/// the server steps on. In sync mode connect the next robot only once this
+/// one has joined: a connection that comes sooner stalls the server.
 class SimRobot {
 public:
     /// Connects to `host`:`port` and sends the scene; join() completes the entry.

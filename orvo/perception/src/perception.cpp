@@ -23,6 +23,7 @@ void Perception::clear() {
     vision.lines.clear();
     has_position = false;
     heard.clear();
+    lost_elements = 0;
 }
 
 } // namespace orvo::perception

@@ -182,12 +182,44 @@ void read_hear(Scanner& scanner, Perception& out) {
         return;
     }
     const std::string_view* value = count == 4 ? atoms + 1 : atoms;
+    // The numbers first: a message whose time is not a number is not heard at all.
+    const double time = scanner.to_number<double>(value[0]);
+    const bool self = value[1] == "self";
+    const float direction = self ? 0.0f : scanner.to_number<float>(value[1]);
     Heard& heard = out.heard.add();
     heard.team.assign(count == 4 ? atoms[0].data() : "", count == 4 ? atoms[0].size() : 0);
-    heard.time = scanner.to_number<double>(value[0]);
-    heard.self = value[1] == "self";
-    heard.direction = heard.self ? 0.0f : scanner.to_number<float>(value[1]);
+    heard.time = time;
+    heard.self = self;
+    heard.direction = direction;
     heard.text.assign(value[2].data(), value[2].size());
+}
+
+// One top-level element, its name read already.
+void read_element(Scanner& scanner, std::string_view name,
+                  const std::array<std::uint32_t, robot::joint_count>& joint_keys,
+                  std::size_t& expected_joint, Perception& out) {
+    if (name == "HJ") {
+        read_joint(scanner, joint_keys, expected_joint, out);
+    } else if (name == "See") {
+        read_vision(scanner, out);
+    } else if (name == "FRP") {
+        read_foot(scanner, out);
+    } else if (name == "time") {
+        read_time(scanner, out);
+    } else if (name == "GS") {
+        read_game_state(scanner, out.game_state);
+        out.has_game_state = true;
+    } else if (name == "GYR") {
+        out.has_gyroscope = read_sensor(scanner, "rt", out.gyroscope);
+    } else if (name == "ACC") {
+        out.has_accelerometer = read_sensor(scanner, "a", out.accelerometer);
+    } else if (name == "hear") {
+        read_hear(scanner, out);
+    } else if (name == "mypos") {
+        read_position(scanner, out);
+    } else {
+        scanner.close();
+    }
 }
 
 } // namespace
@@ -196,7 +228,11 @@ std::string ReadResult::describe() const {
     const char* what = "read";
     switch (fault) {
     case ReadFault::none:
-        return what;
+        if (lost == 0) {
+            return what;
+        }
+        return "read, " + std::to_string(lost) + (lost == 1 ? " element" : " elements") +
+               " lost (the first: not a number at byte " + std::to_string(lost_offset) + ")";
     case ReadFault::unclosed:
         what = "message ends inside an element";
         break;
@@ -224,37 +260,23 @@ ReadResult PerceptionReader::read(std::string_view message, Perception& out) con
     Scanner scanner(message);
     // Joints come in the same order every message: look where the last one was found first.
     std::size_t expected_joint = 0;
+    ReadResult result;
     try {
         while (!scanner.done()) {
             scanner.open_element();
+            const char* start = scanner.position();
             const std::string_view name = scanner.atom();
-            if (name == "HJ") {
-                read_joint(scanner, joint_keys, expected_joint, out);
-            } else if (name == "See") {
-                read_vision(scanner, out);
-            } else if (name == "FRP") {
-                read_foot(scanner, out);
-            } else if (name == "time") {
-                read_time(scanner, out);
-            } else if (name == "GS") {
-                out.has_game_state = true;
-                read_game_state(scanner, out.game_state);
-            } else if (name == "GYR") {
-                out.has_gyroscope = read_sensor(scanner, "rt", out.gyroscope);
-            } else if (name == "ACC") {
-                out.has_accelerometer = read_sensor(scanner, "a", out.accelerometer);
-            } else if (name == "hear") {
-                read_hear(scanner, out);
-            } else if (name == "mypos") {
-                read_position(scanner, out);
-            } else {
-                scanner.close();
-            }
+            scanner.keep(start,
+                         [&] { read_element(scanner, name, joint_keys, expected_joint, out); });
         }
     } catch (const detail::Fault& fault) {
-        return {fault.fault, fault.offset};
+        result.fault = fault.fault;
+        result.offset = fault.offset;
     }
-    return {};
+    out.lost_elements = scanner.lost();
+    result.lost = scanner.lost();
+    result.lost_offset = scanner.first_lost();
+    return result;
 }
 
 } // namespace orvo::perception

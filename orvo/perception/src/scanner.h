@@ -144,6 +144,31 @@ public:
     const char* position() const { return at; }
     void rewind(const char* to) { at = to; }
 
+    /// Runs `read` over one element whose content begins at `start` (just
+    /// inside its '('). When a value in it is not a finite number (the server
+    /// sends "nan" now and then), the rest of that element is skipped and the
+    /// element counted lost, so that one bad value costs only what it carries;
+    /// false then. Faults of the message's shape still end the reading.
+    template <typename Read> bool keep(const char* start, Read&& read) {
+        try {
+            read();
+            return true;
+        } catch (const Fault& fault) {
+            if (fault.fault != ReadFault::bad_number) {
+                throw;
+            }
+            if (lost_++ == 0) {
+                first_lost_ = fault.offset;
+            }
+            at = start;
+            close();
+            return false;
+        }
+    }
+    /// Elements lost to values that are not numbers, and where the first one was.
+    std::uint32_t lost() const { return lost_; }
+    std::size_t first_lost() const { return first_lost_; }
+
     /// Leaves the list the cursor is in, whatever else it holds.
     void close() {
         int depth = 0;
@@ -224,6 +249,8 @@ private:
     const char* first;
     const char* at;
     const char* last;
+    std::uint32_t lost_ = 0;
+    std::size_t first_lost_ = 0;
 };
 
 } // namespace orvo::perception::detail

@@ -83,6 +83,7 @@ void read_player(Scanner& scanner, SeenPlayer& out) {
     out.id = 0;
     out.seen = 0;
     while (scanner.next_child()) {
+        const char* start = scanner.position();
         const std::string_view name = scanner.atom();
         if (name == "team") {
             const std::string_view team = scanner.atom();
@@ -90,9 +91,12 @@ void read_player(Scanner& scanner, SeenPlayer& out) {
         } else if (name == "id") {
             out.id = scanner.number<int>();
         } else if (const auto part = body_part_by_name(name)) {
-            if (read_located(scanner, out.parts[static_cast<std::size_t>(*part)])) {
-                out.seen |= 1u << static_cast<int>(*part);
-            }
+            // A part whose place is not a number is not seen; the others are.
+            scanner.keep(start, [&] {
+                if (read_located(scanner, out.parts[static_cast<std::size_t>(*part)])) {
+                    out.seen |= 1u << static_cast<int>(*part);
+                }
+            });
             continue; // read_located left the part's list already
         }
         scanner.close();
@@ -121,29 +125,45 @@ void read_line(Scanner& scanner, std::vector<SeenLine>& out) {
     }
 }
 
+// One object of "(See ...)", its name read already.
+void read_seen(Scanner& scanner, std::string_view name, Perception& out) {
+    Vision& vision = out.vision;
+    if (name == "L") {
+        read_line(scanner, vision.lines);
+    } else if (name == "P") {
+        read_player(scanner, vision.players.add());
+    } else if (name == "B") {
+        vision.sees_ball = read_located(scanner, vision.ball) || vision.sees_ball;
+    } else if (const auto landmark = landmark_by_name(name)) {
+        const auto index = static_cast<std::size_t>(*landmark);
+        if (read_located(scanner, vision.landmarks[index])) {
+            vision.landmarks_seen |= 1u << index;
+        }
+    } else if (name == "mypos") {
+        // Where a server tells the position inside the vision.
+        read_position(scanner, out);
+    } else {
+        scanner.close();
+    }
+}
+
 } // namespace
 
 void read_vision(Scanner& scanner, Perception& out) {
     out.has_vision = true;
     Vision& vision = out.vision;
     while (scanner.next_child()) {
+        const char* start = scanner.position();
         const std::string_view name = scanner.atom();
-        if (name == "L") {
-            read_line(scanner, vision.lines);
-        } else if (name == "P") {
-            read_player(scanner, vision.players.add());
-        } else if (name == "B") {
-            vision.sees_ball = read_located(scanner, vision.ball) || vision.sees_ball;
-        } else if (const auto landmark = landmark_by_name(name)) {
-            const auto index = static_cast<std::size_t>(*landmark);
-            if (read_located(scanner, vision.landmarks[index])) {
-                vision.landmarks_seen |= 1u << index;
+        const std::size_t lines = vision.lines.size();
+        const std::size_t players = vision.players.size();
+        // Each object on its own: a line with an end that is not a number is
+        // lost, the flags, the ball and the robots beside it are not.
+        if (!scanner.keep(start, [&] { read_seen(scanner, name, out); })) {
+            vision.lines.resize(lines);
+            if (vision.players.size() != players) {
+                vision.players.drop_last();
             }
-        } else if (name == "mypos") {
-            // Where a server tells the position inside the vision.
-            read_position(scanner, out);
-        } else {
-            scanner.close();
         }
     }
 }
