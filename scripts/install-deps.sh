@@ -4,7 +4,8 @@
 # (apt runs only for what is missing).
 #   install-deps.sh [--test]
 # --test adds what only the test suite needs: the browser that opens the live
-# drawing page (about 80 s to install on a fresh machine).
+# drawing page (about 80 s to install on a fresh machine), and the search
+# library and one-node Slurm cluster the tuner's tests use.
 #
 # The real server comes from the package in $ORVO_SIM_SERVER_DEB, else from
 # ../shared/simserver/soccer-sim-server_*.deb beside the clone. Without it the
@@ -19,7 +20,7 @@ packages=(cmake ninja-build g++ pkg-config libboost-dev libgsl-dev libgtest-dev 
           libbenchmark-dev libeigen3-dev nlohmann-json3-dev clang libclang-rt-14-dev valgrind
           file graphviz procps ca-certificates python3)
 if [ "${1:-}" = --test ]; then
-  packages+=(chromium)
+  packages+=(chromium python3-deap slurm-wlm munge)
 fi
 installed() {
   dpkg-query -W -f='${Status}' "$1" 2> /dev/null | grep -q "install ok installed"
