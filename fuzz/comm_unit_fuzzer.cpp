@@ -200,10 +200,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         case 'f': {
             std::string piece(prefix_size, '\0');
-            const std::uint32_t length = input.number(4);
-            for (std::size_t i = 0; i < prefix_size; ++i) {
-                piece[i] = static_cast<char>(length >> (8 * (3 - i)));
-            }
+            orvo::protocol::write_length(input.number(4), piece.data());
             const std::uint32_t count = input.number(2);
             piece.append(count, static_cast<char>(input.byte()));
             session.write(piece);

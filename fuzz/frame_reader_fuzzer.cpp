@@ -25,6 +25,7 @@
 // missing or misplaced FrameTooLarge, and a result other than closed once the
 // stream has ended.
 #include <orvo/net/frame_reader.h>
+#include <orvo/protocol/framing.h>
 
 #include "fuzz_input.h"
 
@@ -56,10 +57,8 @@ namespace {
 }
 
 std::string prefix(std::uint32_t length) {
-    std::string bytes(4, '\0');
-    for (int i = 0; i < 4; ++i) {
-        bytes[i] = static_cast<char>(length >> (8 * (3 - i)));
-    }
+    std::string bytes(orvo::protocol::length_prefix_size, '\0');
+    orvo::protocol::write_length(length, bytes.data());
     return bytes;
 }
 

@@ -85,7 +85,26 @@ protected:
         return orvo_test::creation_of(architect.get_classes().at(name))->factory;
     }
 
-    std::string assemble_failure() { return assembly_failure(architect); }
+    /// A fresh assembly from these config files (nullptr: the file is missing)
+    /// fails with `report` after `calls`, and leaves no component alive.
+    void expect_failed_assembly(const char* libraries, const char* classes,
+                                const std::string& report, const std::vector<std::string>& calls) {
+        orvo_test::reset();
+        std::filesystem::remove_all(dir.path / "config");
+        for (const auto& [file, content] : {std::pair{"config/libraries.cfg", libraries},
+                                            std::pair{"config/classes.cfg", classes}}) {
+            if (content != nullptr) {
+                dir.write(file, content);
+            }
+        }
+        orvo::Architect fresh(args);
+        EXPECT_EQ(assembly_failure(fresh), report);
+        EXPECT_EQ(journal(), calls);
+        fresh.disassemble_framework();
+        for (const auto& creation : orvo_test::creations()) {
+            EXPECT_FALSE(creation.alive) << creation.factory;
+        }
+    }
 
     orvo_test::ScratchDir dir;
     std::vector<std::string> args{"/opt/run/agent3"};
@@ -102,30 +121,6 @@ TEST_F(ArchitectTest, TagIsTheTextAfterTheLastSlashOfTheFirstArgument) {
     plain_tag.construct();
     EXPECT_STREQ(origin_of(plain_tag, "zulu"), "alpha.agent7");
     plain_tag.disassemble_framework();
-}
-
-TEST_F(ArchitectTest, SuffixFollowsTheSystemName) {
-    configure("pear\n", "pear\n");
-    const struct {
-        const char* sysname;
-        bool fails;
-        const char* opened; ///< the plug-in file the Architect must have picked
-    } systems[] = {{"Darwin", false, "pear.dylib"},
-                   {"Linux", false, "pear.so"},
-                   {"darwin", false, "pear.so"},
-                   {"FreeBSD", false, "pear.so"},
-                   {"Darwin", true, "pear.so"}};
-    for (const auto& system : systems) {
-        orvo_test::reset(); // a new component may reuse a deleted one's address
-        fake_sysname = system.sysname;
-        fake_fails = system.fails;
-        orvo::Architect fresh(args);
-        fresh.construct();
-        EXPECT_STREQ(origin_of(fresh, "pear"), system.opened) << system.sysname << system.fails;
-        fresh.disassemble_framework();
-    }
-    fake_sysname = "Linux";
-    fake_fails = false;
 }
 
 TEST_F(ArchitectTest, FactoryExportedTwiceComesFromTheFirstListedLibraryWhichStaysLoaded) {
@@ -231,21 +226,7 @@ TEST_F(ArchitectTest, AssemblyFailuresAreChainedAndStopTheWalk) {
         {"alpha\n", "agent\n\t\t\n", config(178, 359, "Error while parsing values!"), {}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.report);
-        orvo_test::reset();
-        std::filesystem::remove_all(dir.path / "config");
-        for (const auto& [file, content] : {std::pair{"config/libraries.cfg", c.libraries},
-                                            std::pair{"config/classes.cfg", c.classes}}) {
-            if (content != nullptr) {
-                dir.write(file, content);
-            }
-        }
-        orvo::Architect fresh(args);
-        EXPECT_EQ(assembly_failure(fresh), c.report);
-        EXPECT_EQ(journal(), c.calls);
-        fresh.disassemble_framework();
-        for (const auto& creation : orvo_test::creations()) {
-            EXPECT_FALSE(creation.alive) << creation.factory;
-        }
+        expect_failed_assembly(c.libraries, c.classes, c.report, c.calls);
     }
 }
 

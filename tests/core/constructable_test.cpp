@@ -42,27 +42,4 @@ TEST(GetClass, EveryOutcomeOfALookup) {
 // Plug-ins rely on the exact map type, and with it on byte-wise name order.
 static_assert(std::is_same_v<orvo::Class_Map, std::map<const std::string, orvo::Constructable*>>);
 
-TEST(Destroy, DeletesThroughTheVirtualDestructorAndIgnoresNull) {
-    static int deletions = 0;
-    struct Counted : Named {
-        Counted() : Named("counted") {}
-        ~Counted() override { ++deletions; }
-    };
-    destroy(nullptr);
-    destroy(new Counted);
-    EXPECT_EQ(deletions, 1);
-}
-
-TEST(ConstructableProxy, KeepsTheMapItWasLinkedWith) {
-    orvo::Constructable* made = create_constructable_proxy();
-    auto* proxy = dynamic_cast<orvo::Constructable_Proxy*>(made);
-    ASSERT_NE(proxy, nullptr);
-    EXPECT_EQ(proxy->get_name(), "constructable_proxy");
-    EXPECT_EQ(proxy->get_classes(), nullptr);
-    orvo::Class_Map classes;
-    proxy->link(classes);
-    EXPECT_EQ(proxy->get_classes(), &classes);
-    destroy(made);
-}
-
 } // namespace

@@ -69,13 +69,6 @@ struct Viewer {
 
     bool idle() { return !readable(socket.getFD(), 0); }
 
-    void reply(const std::string& text, const DebugDrawings& to) {
-        const Addr back(to.getSocket().getName().getPort(), loopback);
-        ASSERT_EQ(socket.send(text.data(), static_cast<unsigned int>(text.size()), back),
-                  static_cast<int>(text.size()));
-        ASSERT_TRUE(readable(to.getSocket().getFD()));
-    }
-
     UDPSocket socket;
 };
 
@@ -97,36 +90,6 @@ protected:
 
     Viewer viewer;
 };
-
-TEST(DebugDrawingsHeader, TeamBitAndIdArithmetic) {
-    DebugDrawings drawings;
-    EXPECT_EQ(drawings.getHeader(), 0);
-    // Only the team's low bit counts; a large id carries into the team bit and
-    // the sum is kept to 8 bits.
-    const struct {
-        int team, id, header;
-    } cases[] = {{1, 5, 0x85},  {2, 5, 0x05},   {3, 7, 0x87},
-                 {-1, 7, 0x87}, {0, 130, 0x82}, {1, 200, 0x48}};
-    for (const auto& sample : cases) {
-        drawings.setTeam(sample.team);
-        drawings.setId(sample.id);
-        EXPECT_EQ(drawings.getHeader(), sample.header) << sample.team << " " << sample.id;
-    }
-}
-
-TEST(DebugDrawingsActivation, SortedWithDuplicatesAndFirstRemoval) {
-    DebugDrawings drawings;
-    EXPECT_TRUE(drawings.isDrawingActive("anything"));
-    for (const char* name : {"b", "a", "b", "B", "ab"}) {
-        drawings.activateDrawing(name);
-    }
-    // Byte order: upper case first.
-    EXPECT_EQ(drawings.getActiveDrawings(), (std::vector<std::string>{"B", "a", "ab", "b", "b"}));
-    drawings.deactivateDrawing("b");
-    drawings.deactivateDrawing("missing");
-    EXPECT_EQ(drawings.getActiveDrawings(), (std::vector<std::string>{"B", "a", "ab", "b"}));
-    EXPECT_TRUE(drawings.isDrawingActive("missing"));
-}
 
 TEST_F(DebugDrawingsTest, OneDatagramPerCommandInOrderWithTheHeader) {
     DebugDrawings drawings;
@@ -155,69 +118,6 @@ TEST_F(DebugDrawingsTest, OneDatagramPerCommandInOrderWithTheHeader) {
     // send() keeps the commands for another round.
     EXPECT_EQ(drawings.getDrawings().size(), 7u);
     EXPECT_EQ(destroyed, 0);
-}
-
-TEST_F(DebugDrawingsTest, ExecuteSendsFreesThenReceives) {
-    DebugDrawings drawings;
-    connect(drawings);
-    drawings.addDrawing(new TestCommand({7}));
-    drawings.addDrawing(nullptr); // tolerated: skipped when sending and freeing
-    drawings.addDrawing(new TestCommand({8}));
-    drawings.setUserFlag(true);
-    viewer.reply("ok", drawings);
-    testing::internal::CaptureStderr();
-    drawings.execute();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "received: ok\n");
-
-    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x00}));
-    EXPECT_EQ(viewer.next(), Bytes{7});
-    EXPECT_EQ(viewer.next(), Bytes{8});
-    EXPECT_TRUE(drawings.getDrawings().empty());
-    EXPECT_EQ(destroyed, 2);
-    EXPECT_FALSE(drawings.getUserFlag());
-
-    // The next cycle starts empty: only the opening datagram leaves.
-    drawings.execute();
-    EXPECT_EQ(viewer.next(), (Bytes{0x03, 0x00, 0x00}));
-    EXPECT_TRUE(viewer.idle());
-}
-
-TEST_F(DebugDrawingsTest, ReceivePrintsTheViewersReply) {
-    DebugDrawings drawings;
-    connect(drawings);
-
-    testing::internal::CaptureStderr();
-    drawings.receive(); // nothing pending: returns at once, prints nothing
-    viewer.reply("hello viewer", drawings);
-    drawings.receive();
-    viewer.reply(std::string("cut\0hidden", 10), drawings);
-    drawings.receive();
-    viewer.reply(std::string(1500, 'x'), drawings);
-    drawings.receive(); // one datagram is read at most 1023 bytes of
-    drawings.receive();
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "received: hello viewer\nreceived: cut\nreceived: " + std::string(1023, 'x') + "\n");
-}
-
-TEST_F(DebugDrawingsTest, WithoutInitOrAfterAFailedBindNothingIsSentButCommandsAreFreed) {
-    {
-        DebugDrawings drawings;
-        drawings.addDrawing(new TestCommand({1}));
-        testing::internal::CaptureStderr();
-        drawings.execute();
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-        EXPECT_EQ(destroyed, 1);
-        drawings.addDrawing(new TestCommand({2}));
-    } // destroyed without init, still holding a command
-    EXPECT_EQ(destroyed, 2);
-    {
-        DebugDrawings drawings;
-        drawings.addDrawing(new TestCommand({3}));
-        // The viewer's port is taken without address reuse.
-        EXPECT_THROW(drawings.init("127.0.0.1", viewer.port(), viewer.port()), orvo::net::BindErr);
-    }
-    EXPECT_EQ(destroyed, 3);
-    EXPECT_TRUE(viewer.idle());
 }
 
 } // namespace

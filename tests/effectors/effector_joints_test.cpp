@@ -32,28 +32,6 @@ protected:
     orvo::skills::Skill_Joints& skill = agent.skill;
 };
 
-TEST_F(JointComponents, TheEffectorSendsTheGivenJointsInOneMessage) {
-    agent.actions("stand", 1, 10);
-    JointValues speeds{};
-    JointSet joints;
-    for (const auto& [joint, speed] : {std::pair{Joint::neck_yaw, 0.5},
-                                       {Joint::neck_pitch, -0.3},
-                                       {Joint::left_shoulder_pitch, 10.0}, // over the limit
-                                       {Joint::right_ankle_roll, -0.0001}}) {
-        speeds[orvo::robot::index(joint)] = speed;
-        joints.set(orvo::robot::index(joint));
-    }
-    effector(speeds, joints);
-    effector(speeds, JointSet()); // nothing to send
-    const std::string sent = "(he1 0.500)(he2 -0.300)(lae1 6.140)(rle6 0.000)";
-    EXPECT_EQ(next_frame(), sent);
-    EXPECT_EQ(next_frame(100), "");
-    const auto& recorded = log.get_current_action()->second->get_effector("effector_joints");
-    EXPECT_EQ(recorded->get_message(), sent);
-    EXPECT_EQ(boost::any_cast<JointSet>(recorded->get_property("joints").get_value()), joints);
-    EXPECT_EQ(boost::any_cast<JointValues>(recorded->get_property("speeds").get_value())[2], 6.14);
-}
-
 TEST_F(JointComponents, TheSkillSendsEveryJointOfTheRobotOncePerCycle) {
     const auto pose = std::make_shared<orvo::skills::Motion>(
         orvo::skills::Motion::parse("0.2 neck_yaw=30 left_toe=60 right_knee_pitch=-20", "pose"));
@@ -90,40 +68,6 @@ TEST_F(JointComponents, TheSkillSendsEveryJointOfTheRobotOncePerCycle) {
         EXPECT_EQ(record.str(),
                   "skill_joints: pose, " + std::to_string(orvo::robot::joints_of_type(type)) +
                       " joints, worst error " + (type == 4 ? "6.24" : "3.12") + " deg");
-    }
-}
-
-// A collaborator of the wrong class links as null; the first cycle would
-// then call through it. Init refuses instead.
-TEST(JointComponentsInit, ACollaboratorOfAnotherClassFailsInit) {
-    struct Stranger : orvo::Constructable {
-        void link(orvo::Class_Map&) override {}
-        std::string get_name() const override { return "stranger"; }
-    };
-    const std::pair<const char*, const char*> cases[] = {
-        {"messenger", "\"messenger\" is not a Messenger"},
-        {"injector_effector", "\"injector_effector\" is not an Injector_Effector"},
-        {"injector_skill", "\"injector_skill\" is not an Injector_Skill"},
-        {"effector_joints", "\"effector_joints\" is not an Effector_Joints"}};
-    for (const auto& [name, message] : cases) {
-        orvo::communication::Messenger messenger;
-        orvo::knowledgebase::injectors::Injector_Skill skills;
-        orvo::knowledgebase::injectors::Injector_Effector effectors;
-        orvo::effectors::Effector_Joints effector;
-        orvo::skills::Skill_Joints skill;
-        Stranger stranger;
-        orvo::Class_Map classes{{"messenger", &messenger},
-                                {"injector_skill", &skills},
-                                {"injector_effector", &effectors},
-                                {"effector_joints", &effector}};
-        classes[name] = &stranger;
-        const bool skill_side =
-            std::string(name).rfind("injector_e", 0) != 0 && std::string(name) != "messenger";
-        orvo::Constructable& component =
-            skill_side ? static_cast<orvo::Constructable&>(skill) : effector;
-        component.link(classes);
-        const std::string got = orvo_test::failure<orvo::LogicException>([&] { component.init(); });
-        EXPECT_EQ(got.substr(got.find(" | ") + 3), message) << got;
     }
 }
 

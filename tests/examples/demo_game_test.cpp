@@ -4,7 +4,6 @@
 
 #include "child_process.h"
 
-#include <support/loopback.h>
 #include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
@@ -30,38 +29,6 @@ namespace fs = std::filesystem;
 using orvo_test::count_of;
 
 constexpr int team_size = 11;
-
-class DemoGame : public ::testing::Test {
-protected:
-    void SetUp() override {
-        fs::copy(DEMO_CONFIG_DIR, scratch.path / "config", fs::copy_options::recursive);
-        fs::create_symlink(ORVO_HOST, scratch.path / "demo");
-    }
-
-    void set(const std::string& key, const std::string& value) {
-        const auto file = scratch.path / "config" / "server.cfg";
-        std::ifstream in(file);
-        std::ostringstream out;
-        for (std::string line; std::getline(in, line);) {
-            out << (line.rfind(key + " ", 0) == 0 ? key + " " + value : line) << '\n';
-        }
-        in.close();
-        std::ofstream(file, std::ios::trunc) << out.str();
-    }
-
-    /// Runs one host against nothing in particular; returns its exit status.
-    int run_alone() {
-        const std::string dir = scratch.path.string();
-        orvo_test::ChildProcess host({dir + "/demo"}, dir, dir + "/alone.out", dir + "/alone.err",
-                                     {"LD_LIBRARY_PATH=" DEMO_PLUGIN_DIR});
-        const int status = host.wait_for(30s);
-        error = host.error_text();
-        return status;
-    }
-
-    orvo_test::ScratchDir scratch;
-    std::string error;
-};
 
 /// One agent's report: the first lines of its output.
 struct Report {
@@ -271,32 +238,6 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
     for (const std::string shape : {"cell", "agent", "point", "line"}) {
         EXPECT_EQ(count_of(svg, "class=\"" + shape + "\""), std::size_t{team_size}) << shape;
     }
-}
-
-TEST(DemoTeam, ATeamOfOneRobotTypeIsCaught) {
-    // A real server takes at most 7 robots of one type into a team.
-    orvo_test::ScratchDir scratch;
-    const DemoRun run = play(scratch.path / "run", {"--cycles", "20", "--types", "0"});
-    const std::string found = lines(faults(run));
-    EXPECT_NE(found.find("numbers: 0 0 0 0 1 2 3 4 5 6 7\n"), std::string::npos)
-        << found << run.output;
-}
-
-// Missing plug-ins and malformed settings are the host's and the settings
-// reader's own tests; here the demo meets a server that is not there.
-TEST_F(DemoGame, AServerThatIsNotThereStopsTheHostWithAReason) {
-    const std::string port = std::to_string(orvo_test::released_port().getPort());
-    set("port", port);
-    EXPECT_EQ(run_alone(), 1);
-    EXPECT_NE(error.find("cannot connect to the server at 127.0.0.1:" + port + " (is it running?)"),
-              std::string::npos)
-        << error;
-
-    set("host", "no.such..host"); // the resolver refuses it without asking a name server
-    EXPECT_EQ(run_alone(), 1);
-    EXPECT_NE(error.find("'no.such..host' (setting 'host' of config/server.cfg): Unknown host"),
-              std::string::npos)
-        << error;
 }
 
 } // namespace

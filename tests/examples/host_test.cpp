@@ -71,11 +71,4 @@ TEST_F(Host, FailuresNameTheirCauseAndTheAgentIsStillCleanedUp) {
     EXPECT_EQ(output, "probe finalized\n");
 }
 
-TEST_F(Host, HelpAndBadArguments) {
-    EXPECT_EQ(run("probe", {"--help"}), 0);
-    EXPECT_NE(output.find("libN.probe.so"), std::string::npos) << output;
-    EXPECT_EQ(run("probe", {"--frobnicate"}), 2);
-    EXPECT_NE(error.find("unknown argument '--frobnicate'"), std::string::npos) << error;
-}
-
 } // namespace

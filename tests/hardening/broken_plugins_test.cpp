@@ -71,13 +71,4 @@ TEST_F(BrokenPlugins, DamagedFilesAndHostileNamesAreReportedAsUnopenable) {
     }
 }
 
-TEST_F(BrokenPlugins, HostileFactoryNamesCarryTheLoadersText) {
-    for (const std::string& name : {std::string(5000, 'f'), std::string("\x01\x7f\xff")}) {
-        // The components made before the failure are taken down again.
-        const orvo::Exception report = assemble("cycler\n", "ballast\nconfiguration\n" + name);
-        EXPECT_EQ(report.get_source(), assemble_site + "\n--> " + factory_site);
-        EXPECT_NE(report.get_message().find("create_"), std::string::npos) << report.get_message();
-    }
-}
-
 } // namespace

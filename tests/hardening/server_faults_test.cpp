@@ -14,10 +14,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <iostream>
 #include <ostream>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 using orvo_test::frame;
@@ -54,22 +52,6 @@ protected:
     }
 };
 
-// The agent waits the usual way (a blocking SelectInput) for every drop; no
-// drop completes a length prefix, so each is lost on its own and the stream
-// is clean again for the next frame.
-TEST_F(ServerFaults, DrippedFrameIsLostAndTheNextFrameArrivesWhole) {
-    const std::string dripped = frame("(time (now 12.34))");
-    for (std::size_t drop : {1u, 2u, 3u, 5u, 7u}) {
-        for (std::size_t at = 0; at < dripped.size(); at += drop) {
-            serve(dripped.substr(at, drop));
-            ASSERT_TRUE(unit->SelectInput(true));
-            EXPECT_EQ(unit->get_message(), "") << "drops of " << drop << " at " << at;
-        }
-        serve(frame("(after)"));
-        EXPECT_EQ(unit->get_message(), "(after)") << "after drops of " << drop;
-    }
-}
-
 // Frames longer than the receive buffer, announced or not, with the server
 // closing right after them: whatever comes out is cut to the buffer and holds
 // only payload bytes, and the agent reaches the end of the stream.
@@ -97,67 +79,6 @@ TEST_P(OversizedFrame, ResultsAreCutToTheBufferAndTheStreamEnds) {
 
 INSTANTIATE_TEST_SUITE_P(Announced, OversizedFrame,
                          ::testing::Values(16380u, 16381u, 40000u, 0x7FFFFFFFu, 0xFFFFFFFFu));
-
-TEST_F(ServerFaults, ResetInsideAFrame) {
-    serve(frame("(before)"));
-    ASSERT_EQ(unit->get_message(), "(before)");
-    serve(frame("(cut " + std::string(50, 'y'), 100));
-    EXPECT_EQ(unit->get_message(), "") << "the rest of the frame has not come";
-
-    reset_connection();
-    // The failed read is not told apart from data. The frame dropped above
-    // overwrote the buffer, so nothing may come back as a message from it.
-    EXPECT_EQ(unit->get_message(), "");
-    EXPECT_EQ(unit->get_message(), "");
-    EXPECT_TRUE(agent_input_ended());
-}
-
-// The server fills the connection's buffers completely before the agent
-// takes each message, until its whole stream is out. Reads then start in the
-// middle of frames, which the framing cannot recover from; what the agent
-// gets must still be bounded, every whole message must be a fresh one, and
-// once the flood is over the next frame arrives whole.
-TEST_F(ServerFaults, FloodFasterThanTheAgentReads) {
-    std::string stream;
-    std::unordered_map<std::string, int> index_of;
-    for (int i = 0; i < 5000; ++i) {
-        const std::string payload =
-            "(frame " + std::to_string(i) + " " + std::string(i % 300, 'p') + ")";
-        index_of.emplace(payload, i);
-        stream += frame(payload);
-    }
-    std::vector<std::string> results;
-    for (std::size_t sent = 0; sent < stream.size();) {
-        ssize_t n = 0;
-        while (sent < stream.size() &&
-               (n = ::send(server->getFD(), stream.data() + sent, stream.size() - sent,
-                           MSG_DONTWAIT | MSG_NOSIGNAL)) > 0) {
-            sent += static_cast<std::size_t>(n);
-        }
-        ASSERT_TRUE(n >= 0 || errno == EAGAIN) << errno;
-        results.push_back(unit->get_message());
-    }
-    while (orvo_test::readable(unit_fd(), 0)) {
-        results.push_back(unit->get_message());
-    }
-
-    int whole = 0;
-    int last_index = -1;
-    for (const auto& text : results) {
-        ASSERT_LE(text.size(), 16380u);
-        const auto known = index_of.find(text);
-        if (known != index_of.end()) {
-            EXPECT_GT(known->second, last_index) << "message delivered twice or out of order";
-            last_index = known->second;
-            ++whole;
-        }
-    }
-    EXPECT_GE(whole, 1) << "the first frame starts the first read";
-    std::cout << results.size() << " receives during the flood, " << whole << " whole messages"
-              << std::endl;
-    serve(frame("(end)"));
-    EXPECT_EQ(unit->get_message(), "(end)");
-}
 
 // Writing to a connection whose peer has gone raises SIGPIPE unless the
 // writer asks otherwise, and its default action ends the process: these tests

@@ -27,22 +27,6 @@ std::string bare_entry(unsigned int time) {
            std::to_string(time) + ")\n\n";
 }
 
-TEST(ActionLog, NewLogAndBaseModuleRenderTheirEmptyState) {
-    ActionLog log;
-    EXPECT_EQ(log.get_name(), "actionlog");
-    EXPECT_EQ(printed(log), header);
-    EXPECT_EQ(log.to_eval(), "(log )");
-    EXPECT_TRUE(log.get_current_action() == log.get_actions().end());
-    EXPECT_TRUE(log.get_previous_action() == log.get_actions().end());
-    struct OnlyModule : orvo::knowledgebase::KnowledgeBase_Module {
-        void link(orvo::Class_Map&) override {}
-        std::string get_name() const override { return "only"; }
-    } module;
-    std::ostringstream out;
-    EXPECT_EQ(module.print(out).tellp(), 0);
-    EXPECT_EQ(module.to_eval(), "");
-}
-
 TEST(ActionLog, PrintsEveryEntryAndRendersTheCurrentOne) {
     LinkedLog linked;
     linked.inject_action("approach_ball", 4, 100);
@@ -59,20 +43,6 @@ TEST(ActionLog, PrintsEveryEntryAndRendersTheCurrentOne) {
                                        bare_entry(last));
     EXPECT_EQ(linked.log.to_eval(),
               "(log (action (initiator b4294967295)(skill_chain)(effectors)))");
-}
-
-TEST(ActionLog, ShowsTheTenNewestEntriesAndCountsTheSkippedOnes) {
-    LinkedLog linked;
-    std::string entries;
-    for (unsigned int time = 1; time <= 12; ++time) {
-        linked.inject_action("b" + std::to_string(time), time, 100);
-        entries += bare_entry(time);
-        if (time == 10) {
-            EXPECT_EQ(printed(linked.log), header + entries);
-        }
-    }
-    EXPECT_EQ(printed(linked.log), header + "\t   ... Skipping (2) entries! \n\n" +
-                                       entries.substr(2 * bare_entry(1).size()));
 }
 
 TEST(ExtractorAction, AgesCountFromTheNewestEntryThatTrimmingLeft) {

@@ -56,26 +56,6 @@ TEST(Descriptor, PropertiesAreFirstWinsExactAndByteOrdered) {
     EXPECT_EQ(ids, (std::vector<std::string>{"B", "a", "ab", "b", "speed"}));
 }
 
-TEST(DescriptorAction, RendersTheApproachBallExample) {
-    Descriptor_Action action("approach_ball");
-    EXPECT_EQ(action.to_eval(), "(action (initiator approach_ball)(skill_chain)(effectors))");
-    EXPECT_EQ(printed(action), "[Descriptor_Action] Behavior(approach_ball)\n");
-    for (const char* id : {"walk", "turn", "walk"}) {
-        action.add_skill(skill(id));
-    }
-    action.add_effector(effector("legs"));
-    action.add_effector(effector("head"));
-    EXPECT_EQ(action.to_eval(),
-              "(action (initiator approach_ball)(skill_chain (skill (id walk)) (skill (id turn)) "
-              "(skill (id walk)))(effectors (effector (id head)) (effector (id legs))))");
-    EXPECT_EQ(printed(action), "[Descriptor_Action] Behavior(approach_ball)\n"
-                               "\t-> Skill (walk))\n"
-                               "\t-> Skill (turn))\n"
-                               "\t-> Skill (walk))\n"
-                               "\t-> Effector (head)\n"
-                               "\t-> Effector (legs)\n");
-}
-
 TEST(DescriptorAction, GetSkillFindsTheFirstAtAnEightBitPositionOrReportsItsAbsence) {
     Descriptor_Action action("b");
     const std::string at = "DataUnavailableException @ "
@@ -98,42 +78,6 @@ TEST(DescriptorAction, GetSkillFindsTheFirstAtAnEightBitPositionOrReportsItsAbse
     }
     EXPECT_EQ(action.get_skill("x").first, 4);
     EXPECT_EQ(action.get_skill_chain().size(), 300u);
-}
-
-TEST(DescriptorAction, AddEffectorKeepsTheFirstOfAnIdAndChainsIncludedMessagesById) {
-    Descriptor_Action action("b");
-    const auto first = effector("legs", "(first)");
-    action.add_effector(first);
-    action.add_effector(effector("legs", "(second)"));
-    action.add_effector(effector("head", "(head)"));
-    action.add_effector(effector("arms", "(arms)", true));
-    EXPECT_EQ(action.get_effector("legs"), first);
-    EXPECT_EQ(action.get_effectors().size(), 3u);
-    EXPECT_EQ(action.get_effector_chain(), "(head)(first)");
-    Descriptor_Action excluded("b");
-    excluded.add_effector(effector("a", "(a)", true));
-    EXPECT_EQ(excluded.get_effector_chain(), "");
-}
-
-/// Plug-in descriptors that change their renderings and message.
-struct LoudSkill : NamedSkill {
-    using NamedSkill::NamedSkill;
-    std::string to_eval() const override { return "(loud " + id + ")"; }
-};
-struct LoudEffector : NamedEffector {
-    using NamedEffector::NamedEffector;
-    std::string to_eval() const override { return "(loud " + id + ")"; }
-    const std::string& get_message() const override { return loud; }
-    std::string loud = "(LOUD)";
-};
-
-TEST(DescriptorAction, RendersThroughPlugInOverrides) {
-    Descriptor_Action action("b");
-    action.add_skill(boost::make_shared<LoudSkill>("kick"));
-    action.add_effector(boost::make_shared<LoudEffector>("say", "(quiet)", false));
-    EXPECT_EQ(action.to_eval(), "(action (initiator b)(skill_chain (loud kick))(effectors (loud "
-                                "say)))");
-    EXPECT_EQ(action.get_effector_chain(), "(LOUD)");
 }
 
 } // namespace

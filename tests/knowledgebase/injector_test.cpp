@@ -93,19 +93,6 @@ TEST(InjectorAction, MarksOnTrimmedEntriesMoveToTheEnd) {
     EXPECT_TRUE(linked.marks_at(~0u, ~0u));
 }
 
-TEST(InjectorAction, EachInstanceSetsTheStartTimeOnItsOwnFirstInjection) {
-    LinkedLog linked;
-    linked.inject_action("b", 3, 100);
-    linked.inject_action("b", 4, 100);
-    EXPECT_EQ(linked.log.get_start_time(), 3u);
-    kb::injectors::Injector_Action second;
-    second.link(linked.classes);
-    second("b", 7, 100);
-    linked.inject_action("b", 8, 100);
-    second("b", 9, 100);
-    EXPECT_EQ(linked.log.get_start_time(), 7u);
-}
-
 TEST(InjectorSkillAndEffector, AppendEverySkillAndReplaceAnEffectorsInvocation) {
     LinkedLog linked;
     linked.inject_action("b", 1, 10);
@@ -158,31 +145,6 @@ TEST(Components, AreCreatedUnderTheirNamesAndReportAMissingLogFromTheirLinkLocat
     }
     Created action(create_injector_action(), destroy);
     EXPECT_NE(dynamic_cast<kb::injectors::Injector_Action*>(action.get()), nullptr);
-}
-
-/// A plug-in mapper that records when it runs.
-struct RecordingMapper : kb::mappers::Mapper {
-    RecordingMapper(std::vector<int>& runs, int tag) : runs(runs), tag(tag) {}
-    void link(orvo::Class_Map&) override {}
-    std::string get_name() const override { return "recording_mapper"; }
-    void operator()() override { runs.push_back(tag); }
-    std::vector<int>& runs;
-    int tag;
-};
-
-struct MappingInjector : kb::injectors::Injector_Skill {
-    using Injector_Skill::mappers;
-};
-
-TEST(Injectors, InvokeTheirMappersInListOrder) {
-    std::vector<int> runs;
-    RecordingMapper first(runs, 1);
-    RecordingMapper second(runs, 2);
-    MappingInjector injector;
-    injector.invoke_mappers();
-    injector.mappers = {&second, &first, &second};
-    injector.invoke_mappers();
-    EXPECT_EQ(runs, (std::vector<int>{2, 1, 2}));
 }
 
 } // namespace

@@ -56,19 +56,3 @@ TEST(MVTools, ThresholdsAreExclusive) {
     }
     EXPECT_EQ(predicates(INT_MIN), "000101");
 }
-
-TEST(MVException, DescribesItsCode) {
-    const char* const texts[] = {"Unknown",
-                                 "Division by (positive) zero",
-                                 "Division by (negative) zero",
-                                 "Infinite (positive) value",
-                                 "Infinite (negative) value",
-                                 "Determinant negative",
-                                 "Determinant close to zero",
-                                 "Unknown"};
-    for (int code = -1; code <= 7; ++code) {
-        EXPECT_EQ(std::string(MVException(code).getDescription()), texts[code < 0 ? 0 : code]);
-    }
-    EXPECT_STREQ(MVException(MVException::DetCloseToZero).getDescription(),
-                 "Determinant close to zero");
-}

@@ -79,37 +79,6 @@ const std::vector<Vector2d> no_points;
 
 } // namespace
 
-TEST(Polygon, EmptyPolygonRefusesResetAndUpdate) {
-    Polygon polygon;
-    EXPECT_EQ(orvo_test::failure<orvo::LogicException>([&] { polygon.reset(); }),
-              "LogicException @ math/src/polygon.cpp: In function 'reset' (line 40): "
-              " | Reset not possible - no initial polygon existing!");
-    EXPECT_EQ(orvo_test::failure<orvo::LogicException>(
-                  [&] { polygon.update(no_points, Vector2d(1, 2)); }),
-              "LogicException @ math/src/polygon.cpp: In function 'update' (line 78): "
-              " | Update not possible - no polygon existing!");
-    EXPECT_EQ(polygon.get_area(), 0.0f);
-}
-
-TEST(Polygon, FirstUpdateMeasuresWithoutCutting) {
-    Polygon polygon(square());
-    // The radius is still 0, so even a point right next to the site is ignored.
-    const std::vector<Vector2d> neighbour{{5.5f, 5.0f}};
-    EXPECT_EQ(&polygon.update(neighbour, Vector2d(5, 5)), &polygon.get_centroid());
-    EXPECT_FLOAT_EQ(polygon.get_radius(), std::sqrt(50.0f));
-    // The dump, by reference and by pointer, shows the uncut square.
-    const std::string expected = "Polygon: \n\tArea: 100\n\tCentroid: 5:5\n"
-                                 "\tNode: 0:10 \tEdge: 10:0\n\tNode: 10:10 \tEdge: 0:-10\n"
-                                 "\tNode: 10:0 \tEdge: -10:0\n\tNode: 0:0 \tEdge: 0:10\n";
-    std::ostringstream by_reference, by_pointer;
-    by_reference << polygon;
-    by_pointer << &polygon;
-    EXPECT_EQ(by_reference.str(), expected);
-    EXPECT_EQ(by_pointer.str(), expected);
-    polygon.update(neighbour, Vector2d(5, 5));
-    EXPECT_NEAR(polygon.get_area(), 52.5f, 1e-4);
-}
-
 TEST(Polygon, SquareCases) {
     // Half the square, and a bisector through the nodes (0, 10) and (10, 0),
     // each of which must be taken once.
@@ -142,63 +111,6 @@ TEST(Polygon, PointAtExactlyTwiceTheRadiusIsIgnored) {
     polygon.reset();
     polygon.update({{6.5f, 0}}, Vector2d(-3, 0));
     EXPECT_FLOAT_EQ(polygon.get_area(), 8.0f * 4.75f);
-}
-
-TEST(Polygon, ACutEndingOnTheLastCornerMovesItToTheFront) {
-    Polygon polygon(corners_of({{10, 10}, {10, 0}, {0, 0}, {0, 10}}));
-    // (5, 12) keeps y <= 9; then (-1, 6) keeps x >= 2, and its second
-    // crossing lies on the closing edge, the last corner of the list.
-    const std::vector<Vector2d> others{{5, 12}, {-1, 6}};
-    polygon.update(others, Vector2d(5, 6));
-    polygon.update(others, Vector2d(5, 6));
-    EXPECT_FLOAT_EQ(polygon.get_area(), 8.0f * 9.0f);
-    expect_closed_chain(polygon);
-    const auto& front = polygon.get_corners().front();
-    EXPECT_EQ(front.first.x, 2.0f);
-    EXPECT_EQ(front.first.y, 9.0f);
-    EXPECT_EQ(front.second.x, 8.0f);
-    EXPECT_EQ(front.second.y, 0.0f);
-}
-
-TEST(Polygon, SetCornersReplacesTheInitialPolygonAndIgnoresAnEmptyList) {
-    Polygon polygon;
-    polygon.set_corners(square());
-    polygon.update(no_points, Vector2d(1, 1));
-    const float radius = polygon.get_radius();
-    // An empty list keeps the corners and the radius but leaves nothing to reset to.
-    polygon.set_corners(Polygon::Corner_List());
-    EXPECT_TRUE(same_corners(polygon.get_corners(), square()));
-    EXPECT_EQ(polygon.get_radius(), radius);
-    EXPECT_THROW(polygon.reset(), orvo::LogicException);
-    // Setting the corners from the polygon's own list is safe.
-    polygon.set_corners(polygon.get_corners());
-    EXPECT_NO_THROW(polygon.reset());
-}
-
-TEST(Polygon, DegenerateAndCorruptPolygons) {
-    Polygon point(corners_of({{3, 4}}));
-    point.update(no_points, Vector2d(0, 0));
-    EXPECT_EQ(point.get_area(), 0.0f);
-    EXPECT_EQ(point.get_radius(), 5.0f);
-    // A bow tie encloses as much clockwise as anticlockwise: the centroid
-    // sums stay undivided.
-    Polygon bow_tie(corners_of({{0, 0}, {2, 2}, {2, 0}, {0, 2}}));
-    bow_tie.update(no_points, Vector2d(0, 0));
-    EXPECT_EQ(bow_tie.get_area(), 0.0f);
-    EXPECT_EQ(bow_tie.get_centroid().x, -8.0f);
-    EXPECT_EQ(bow_tie.get_centroid().y, 0.0f);
-
-    Polygon polygon(square());
-    polygon.update(no_points, Vector2d(2, 2));
-    polygon.update({{std::nanf(""), 8}}, Vector2d(2, 2));
-    EXPECT_EQ(polygon.get_area(), 100.0f);
-    // A corrupt closing edge must not lead the scan past the end of the list.
-    auto corners = square();
-    corners.back().second.y = std::nanf("");
-    Polygon corrupt(corners);
-    corrupt.update(no_points, Vector2d(2, 2));
-    corrupt.update({{8, 8}}, Vector2d(2, 2));
-    EXPECT_LE(corrupt.get_corners().size(), 6u);
 }
 
 TEST(VoronoiCell, EveryUpdateSequenceGivesTheCellAmongAllPoints) {

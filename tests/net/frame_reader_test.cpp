@@ -130,34 +130,6 @@ TEST_F(FrameReaderTest, PrefixOverTheLimitIsAnErrorAfterTheFramesBeforeIt) {
     }
 }
 
-TEST_F(FrameReaderTest, WaitsForTheNextFrameAtMostAsLongAsAsked) {
-    Pieces pieces;
-    FrameReader reader;
-    std::string payload = "kept";
-    EXPECT_EQ(reader.read(pieces.fd(), payload, 20ms), Received::timed_out);
-    EXPECT_EQ(payload, "kept") << "only a message changes the payload";
-
-    std::thread late([&] {
-        std::this_thread::sleep_for(20ms);
-        pieces.send(frame("(late)").substr(0, 5));
-        std::this_thread::sleep_for(20ms);
-        pieces.send(frame("(late)").substr(5));
-    });
-    EXPECT_EQ(reader.read(pieces.fd(), payload, std::chrono::milliseconds(orvo_test::wait_ms)),
-              Received::message);
-    late.join();
-    EXPECT_EQ(payload, "(late)");
-
-    // The payload's storage is reused: no allocation per frame once warm.
-    const std::string warm(2700, 'w');
-    pieces.send(frame(warm) + frame(warm));
-    ASSERT_EQ(reader.read(pieces.fd(), payload, 0ms), Received::message);
-    const char* storage = payload.data();
-    ASSERT_EQ(reader.read(pieces.fd(), payload, 0ms), Received::message);
-    EXPECT_EQ(payload.data(), storage);
-    EXPECT_EQ(payload, warm);
-}
-
 TEST_F(CommUnitReceiveTest, LosesNothingOverTcpAndClosesOnAnOversizePrefix) {
     const std::string largest(FrameReader::default_limit, 'L');
     const std::string stream = frame("(a)") + frame("(b)") + frame(largest);
@@ -184,24 +156,4 @@ TEST_F(CommUnitReceiveTest, LosesNothingOverTcpAndClosesOnAnOversizePrefix) {
     ASSERT_TRUE(orvo_test::readable(server->getFD()));
     EXPECT_EQ(server->recv(&byte, 1), 0) << "the server sees the end";
     EXPECT_EQ(unit->receive_message(payload, 0ms), Received::closed);
-}
-
-TEST_F(FrameReaderTest, ClosedUnitLeavesDescriptorZeroAlone) {
-    Pieces pieces;
-    const int saved = dup(0);
-    ASSERT_GE(dup2(pieces.fd(), 0), 0);
-    pieces.send(frame("(stdin)"));
-    {
-        orvo::net::CommUnit unit;
-        unit.close_connection();
-        std::string payload;
-        EXPECT_EQ(unit.receive_message(payload, 10ms), Received::closed);
-    }
-    EXPECT_TRUE(orvo_test::readable(0, 0)) << "the frame is still unread";
-    if (saved >= 0) {
-        dup2(saved, 0);
-        close(saved);
-    } else {
-        close(0);
-    }
 }

@@ -75,21 +75,6 @@ TEST_F(StreamBufTest, OutputGoesOutInWholeBuffers) {
     EXPECT_EQ(sink->next(), "b");
 }
 
-TEST_F(StreamBufTest, UnconnectedOutputGoesToThePeerOrFails) {
-    UDPSocket unconnected(Addr(0, loopback));
-    SocketStreamBuf buffer(&unconnected, 64, true, sink->socket.getName());
-    std::ostream out(&buffer);
-    out << "to peer" << std::flush;
-    EXPECT_EQ(sink->next(), "to peer");
-
-    SocketStreamBuf nowhere(&unconnected, 4); // no peer to send to
-    std::ostream lost(&nowhere);
-    lost << "ab";
-    EXPECT_EQ(nowhere.pubsync(), -1);
-    lost << "cdef";
-    EXPECT_TRUE(lost.bad());
-}
-
 TEST_F(StreamBufTest, LoneFfEndsTheStreamAndDoubleFfIsData) {
     SocketStreamBuf buffer(&sink->socket, 64);
     std::istream in(&buffer);
@@ -105,31 +90,6 @@ TEST_F(StreamBufTest, LoneFfEndsTheStreamAndDoubleFfIsData) {
     std::string word;
     in >> word;
     EXPECT_EQ(word, "ok");
-}
-
-TEST_F(StreamBufTest, FirstSenderBecomesThePeerUnlessThePeerIsFixed) {
-    UDPSocket fixed(Addr(0, loopback));
-    orvo_test::bound_waits(fixed.getFD());
-    SocketStreamBuf fixed_buffer(&fixed, 64, true);
-    std::istream fixed_in(&fixed_buffer);
-    sink->socket.send("hi", 2, fixed.getName());
-    EXPECT_EQ(fixed_in.get(), 'h');
-    EXPECT_FALSE(fixed.isConnected());
-
-    UDPSocket learning(Addr(0, loopback));
-    orvo_test::bound_waits(learning.getFD());
-    Sink second;
-    SocketStreamBuf buffer(&learning, 64, false);
-    std::iostream stream(&buffer);
-    sink->socket.send("hi", 2, learning.getName());
-    EXPECT_EQ(stream.get(), 'h');
-    EXPECT_TRUE(learning.isConnected());
-    EXPECT_EQ(learning.getPeer(), sink->socket.getName());
-    // A connected datagram socket only hears from its peer.
-    second.socket.send("zz", 2, learning.getName());
-    stream << "back" << std::flush;
-    EXPECT_EQ(sink->next(), "back");
-    EXPECT_TRUE(second.quiet());
 }
 
 TEST_F(StreamBufTest, InputEndsOnCloseAndOnReceiveErrors) {

@@ -74,62 +74,6 @@ TEST(PerceptionReader, ReadsEveryKindOfElementAndSkipsUnknownOnes) {
     EXPECT_TRUE(p.vision.players.empty() && p.vision.lines.empty() && p.heard.empty());
 }
 
-TEST(PerceptionReader, PlayModesByTheServersNames) {
-    const std::pair<const char*, PlayMode> modes[] = {
-        {"BeforeKickOff", PlayMode::BeforeKickOff},
-        {"KickOff_Right", PlayMode::KickOff_Right},
-        {"KickIn_Left", PlayMode::KickIn_Left},
-        {"goal_kick_right", PlayMode::goal_kick_right},
-        {"offside_left", PlayMode::offside_left},
-        {"Goal_Right", PlayMode::Goal_Right},
-        {"GameOver", PlayMode::GameOver},
-        {"direct_free_kick_right", PlayMode::direct_free_kick_right},
-        {"pass_left", PlayMode::pass_left},
-        {"unknown", PlayMode::unknown}, // not a server's name
-        {"Half_Time", PlayMode::unknown},
-        {"playon", PlayMode::unknown},
-    };
-    PerceptionReader reader;
-    Perception p;
-    for (const auto& [name, mode] : modes) {
-        ASSERT_TRUE(reader.read(std::string("(GS (pm ") + name + "))", p));
-        EXPECT_EQ(p.game_state.play_mode, mode) << name;
-        EXPECT_EQ(p.game_state.play_mode_name, name); // kept as sent, known or not
-        EXPECT_EQ(name_of(mode), mode == PlayMode::unknown ? "unknown" : name);
-    }
-}
-
-// Whichever way a number is read, it is the value std::from_chars gives.
-TEST(PerceptionReader, NumbersReadAsTheStandardLibraryReadsThem) {
-    const char* numbers[] = {"0.00",
-                             "-0.00",
-                             "-53.83",
-                             "120.63",
-                             "5.",
-                             ".5",
-                             "16777216",
-                             "16777217",
-                             "1.6777217",
-                             "0.1234567891",
-                             "0.12345678901",
-                             "1e3",
-                             "-2.5E-3",
-                             "3.4e38",
-                             "123456789012345678901"};
-    PerceptionReader reader;
-    Perception p;
-    for (const char* number : numbers) {
-        const std::string text = number;
-        float expected = 0;
-        std::from_chars(text.data(), text.data() + text.size(), expected);
-        ASSERT_TRUE(reader.read("(HJ (n hj1) (ax " + text + "))(HJ (ax " + text + ") (n hj2))", p))
-            << number;
-        EXPECT_EQ(p.joints[Joint::neck_yaw], expected) << number;
-        EXPECT_EQ(p.joints[Joint::neck_pitch], expected) << number;
-        EXPECT_EQ(std::signbit(p.joints[Joint::neck_yaw]), std::signbit(expected)) << number;
-    }
-}
-
 TEST(PerceptionReader, RefusesMalformedMessagesAtTheFaultyByte) {
     const struct {
         const char* message;

@@ -62,30 +62,4 @@ TEST_F(DrawingWire, MalformedDatagramsAreRejected) {
     EXPECT_FALSE(orvo::protocol::drawing::is_opening(opening, 2));
 }
 
-TEST(StandinCommands, MessagesSplitIntoTopLevelExpressions) {
-    const auto commands = standin::split_commands("(he1 0)(he2 0.3) (init (unum 3)(teamname a))");
-    ASSERT_EQ(commands.size(), 3u);
-    EXPECT_EQ(commands[0].name, "he1");
-    EXPECT_EQ(commands[1].text, "(he2 0.3)");
-    EXPECT_EQ(commands[2].name, "init");
-    EXPECT_EQ(standin::value_of(commands[2].text, "unum"), "3");
-    EXPECT_EQ(standin::value_of(commands[2].text, "teamname"), "a");
-    EXPECT_FALSE(standin::value_of(commands[2].text, "team").has_value());
-
-    const auto args = standin::arguments("(beam -3.5 2 90)");
-    ASSERT_EQ(args.size(), 3u);
-    EXPECT_EQ(standin::to_number(args[0]), -3.5);
-    EXPECT_FALSE(standin::to_number("2x").has_value());
-    EXPECT_FALSE(standin::to_number("nan").has_value());
-    EXPECT_EQ(standin::numbers("(beam -3.5 2 90)"), (std::vector<double>{-3.5, 2, 90}));
-    EXPECT_FALSE(standin::numbers("(scene rsg/agent/nao/nao_hetero.rsg 2)").has_value());
-
-    // An unbalanced tail is kept as one nameless command.
-    const auto broken = standin::split_commands("(syn)(beam 1 (2");
-    ASSERT_EQ(broken.size(), 2u);
-    EXPECT_EQ(broken[0].name, "syn");
-    EXPECT_EQ(broken[1].name, "");
-    EXPECT_TRUE(standin::split_commands("no parentheses").empty());
-}
-
 } // namespace

@@ -2,7 +2,6 @@
 // datagrams in, a real HTTP and WebSocket client out.
 
 #include "drawing_store.h"
-#include "field_svg.h"
 #include <orvo/protocol/drawing_wire.h>
 
 #include <examples/child_process.h>
@@ -15,7 +14,6 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_future.hpp>
 #include <boost/beast/core.hpp>
-#include <boost/beast/http.hpp>
 #include <boost/beast/websocket.hpp>
 
 #include <gtest/gtest.h>
@@ -25,7 +23,6 @@
 #include <fstream>
 #include <future>
 #include <optional>
-#include <regex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -35,7 +32,6 @@ namespace {
 using namespace std::chrono_literals;
 namespace asio = boost::asio;
 namespace beast = boost::beast;
-namespace http = boost::beast::http;
 namespace websocket = boost::beast::websocket;
 using orvo::protocol::drawing::Kind;
 using orvo_test::count_of;
@@ -78,19 +74,6 @@ protected:
     /// bounded by the streams' time limits.
     template <class T> T finish(std::future<T> result) { return result.get(); }
 
-    http::response<http::string_body> get(const std::string& target) {
-        beast::tcp_stream stream(io);
-        stream.expires_after(5s);
-        finish(stream.async_connect(http, asio::use_future));
-        http::request<http::empty_body> request{http::verb::get, target, 11};
-        request.set(http::field::host, "127.0.0.1");
-        finish(http::async_write(stream, request, asio::use_future));
-        beast::flat_buffer buffer;
-        http::response<http::string_body> response;
-        finish(http::async_read(stream, buffer, response, asio::use_future));
-        return response;
-    }
-
     void open_live() {
         beast::get_lowest_layer(live).expires_after(5s);
         finish(beast::get_lowest_layer(live).async_connect(http, asio::use_future));
@@ -128,30 +111,6 @@ protected:
     asio::ip::tcp::endpoint http;
     websocket::stream<beast::tcp_stream> live{io};
 };
-
-TEST_F(Viewer, ServesASelfContainedPageAndTheSnapshot) {
-    const auto page = get("/");
-    EXPECT_EQ(page.result(), http::status::ok);
-    EXPECT_EQ(page[http::field::content_type], "text/html; charset=utf-8");
-    EXPECT_NE(page.body().find("<svg"), std::string::npos);
-    EXPECT_NE(page.body().find("new WebSocket("), std::string::npos);
-    // Offline: nothing the page would fetch, the SVG namespace name aside.
-    const std::regex fetched(R"((src|href)\s*=|url\(|@import|https?://(?!www\.w3\.org/2000/svg"))");
-    EXPECT_FALSE(std::regex_search(page.body(), fetched));
-
-    send(opening(0x07));
-    send(bytes_of(Kind::point, 0x07, "me", {{1, 2}}));
-    for (int tries = 0; tries < 100; ++tries) {
-        if (get("/field.svg").body().find("data-unum=\"7\"") != std::string::npos) {
-            break;
-        }
-        std::this_thread::sleep_for(10ms);
-    }
-    const auto snapshot = get("/field.svg");
-    EXPECT_EQ(snapshot[http::field::content_type], "image/svg+xml");
-    EXPECT_EQ(count_of(snapshot.body(), "class=\"point\" data-side=\"left\" data-unum=\"7\""), 1u);
-    EXPECT_EQ(get("/elsewhere").result(), http::status::not_found);
-}
 
 TEST_F(Viewer, PushesEachAgentsLatestBatchAndDropsMalformedDatagrams) {
     open_live();
@@ -195,48 +154,6 @@ TEST_F(Viewer, PushesEachAgentsLatestBatchAndDropsMalformedDatagrams) {
               std::string::npos);
 }
 
-TEST(ViewerOptions, DurationsBeyondTheTimersRangeAreRefused) {
-    orvo_test::ScratchDir dir;
-    for (const char* seconds : {"inf", "1e300", "nan", "0"}) {
-        orvo_test::ChildProcess viewer(
-            {VIEWER, "--drawing-port", "0", "--http-port", "0", "--seconds", seconds},
-            dir.path.string(), "out.txt", "err.txt");
-        EXPECT_EQ(viewer.wait_for(5s), 2) << seconds;
-        EXPECT_NE(viewer.error_text().find("--seconds: not a number of seconds"), std::string::npos)
-            << viewer.error_text();
-    }
-}
-
-/// The stand-in server's live page: the same page, with the players it knows.
-class StandinPage : public Viewer {
-protected:
-    void SetUp() override {
-        process.emplace(std::vector<std::string>{STANDIN_SERVER, "--port", "0", "--drawing-port",
-                                                 "0", "--monitor-port", "0", "--http-port", "0",
-                                                 "--ports-file", "ports", "--start-timeout", "20"},
-                        dir.path.string(), "out.txt", "err.txt");
-        ASSERT_TRUE(orvo_test::wait_for_file("ports", 5s)) << process->error_text();
-        unsigned short tcp_port = 0, udp_port = 0;
-        std::ifstream("ports") >> tcp_port >> udp_port;
-        const std::string said = process->error_text();
-        const auto at = said.find("live page http://127.0.0.1:");
-        ASSERT_NE(at, std::string::npos) << said;
-        drawings = {asio::ip::address_v4::loopback(), udp_port};
-        http = {asio::ip::address_v4::loopback(),
-                static_cast<unsigned short>(std::stoi(said.substr(at + 27)))};
-        udp.open(asio::ip::udp::v4());
-    }
-};
-
-TEST_F(StandinPage, ShowsTheCycleAndTheDrawingsLive) {
-    open_live();
-    send(opening(0x82));
-    send(bytes_of(Kind::polygon, 0x82, "cell", {{-5, 5}, {-1, 5}, {-1, -5}}));
-    const std::string picture =
-        picture_with({"class=\"cell\" data-side=\"right\" data-unum=\"2\""});
-    EXPECT_NE(picture.find(", simulation time "), std::string::npos);
-}
-
 TEST(DrawingStore, KeepsABatchBounded) {
     field_view::DrawingStore store;
     const std::string shape = bytes_of(Kind::point, 0x01, "me", {{0, 0}});
@@ -248,31 +165,6 @@ TEST(DrawingStore, KeepsABatchBounded) {
     EXPECT_EQ(store.counts().malformed, 10u);
     store.add(reinterpret_cast<const unsigned char*>("\x03\x00\x01"), 3);
     EXPECT_TRUE(store.drawings().at(0x01).empty());
-}
-
-TEST(FieldSvg, DrawsEveryCellPlayerAndMirrorsTheRightTeam) {
-    orvo_test::ScratchDir dir;
-    field_view::FieldPicture picture;
-    picture.players = {{1, 0, -5, 0}, {1, 1, 5, 0}};
-    orvo::protocol::drawing::Shape cell;
-    cell.kind = Kind::polygon;
-    cell.name = "cell<&>";
-    cell.corners = {{-15, 10}, {0, 10}, {0, -10}};
-    cell.header = 0x01;
-    picture.drawings[0x01].push_back(cell);
-    cell.header = 0x81;
-    picture.drawings[0x81].push_back(cell);
-    ASSERT_TRUE(field_view::write_field_svg("field.svg", picture));
-
-    const std::string svg = orvo_test::ChildProcess::read("field.svg");
-    EXPECT_EQ(orvo_test::count_of(svg, "class=\"cell\""), 2u);
-    EXPECT_NE(svg.find("data-name=\"cell&lt;&amp;&gt;\""), std::string::npos);
-    // (-15, 10) of the left team is the top-left corner; mirrored, the bottom-right.
-    EXPECT_NE(svg.find("points=\"45.0,45.0 "), std::string::npos);
-    EXPECT_NE(svg.find("points=\"945.0,645.0 "), std::string::npos);
-    EXPECT_EQ(svg.find("<?xml"), 0u);
-    EXPECT_NE(svg.find("</svg>"), std::string::npos);
-    EXPECT_FALSE(field_view::write_field_svg("missing-dir/field.svg", picture));
 }
 
 } // namespace
