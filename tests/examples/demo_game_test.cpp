@@ -51,16 +51,16 @@ struct DemoRun {
 DemoRun play(const fs::path& dir, const std::vector<std::string>& options) {
     DemoRun run;
     run.dir = dir;
-    std::vector<std::string> argv{"/bin/bash",   DEMO_SCRIPT,    "--no-build",
-                                  "--build-dir", ORVO_BUILD_DIR, "--run-dir",
-                                  dir.string(),  "--slowdown",   DEMO_SLOWDOWN};
+    std::vector<std::string> argv{"/bin/bash",   DEMO_SCRIPT,    "--standin", "--no-build",
+                                  "--build-dir", ORVO_BUILD_DIR, "--run-dir", dir.string(),
+                                  "--slowdown",  DEMO_SLOWDOWN};
     argv.insert(argv.end(), options.begin(), options.end());
     const std::string log = dir.string() + ".txt";
     orvo_test::ChildProcess script(argv, fs::current_path().string(), log, log + ".err");
     run.status = script.wait_for(180s);
     run.output = script.output_text() + script.error_text();
     run.summary = orvo_test::ChildProcess::read((dir / "server-summary.txt").string());
-    const std::regex head("^agent (\\d+) of team orvo \\(left\\): (\\d+) cycles\n"
+    const std::regex head("^agent (\\d+) of team orvo \\(left\\): (\\d+) cycles[^\n]*\n"
                           "perceptions: (\\d+) received, (\\d+) missed\n"
                           "joints: worst error (\\d+\\.\\d) degrees over the last 25 cycles\n");
     for (int n = 1; n <= team_size; ++n) {
