@@ -8,9 +8,9 @@
 #include <orvo/core/architect.h>
 #include <orvo/core/constructable_proxy.h>
 #include <orvo/core/exception.h>
-#include <orvo/params/param_set.h>
 #include <orvo/core/export.h>
 #include <orvo/humanoid/base/constructable.h>
+#include <orvo/params/param_set.h>
 
 // behaviors
 #include <orvo/behaviors/behavior.h>

@@ -1,7 +1,7 @@
 // The step cycle without a server: what each step does to the feet, for the
 // velocities the walk takes.
-#include <orvo/walk/gait.h>
 #include <orvo/params/param_set.h>
+#include <orvo/walk/gait.h>
 
 #include <gtest/gtest.h>
 

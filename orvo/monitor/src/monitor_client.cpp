@@ -5,7 +5,6 @@
 #include <orvo/net/tcp_socket.h>
 #include <orvo/protocol/framing.h>
 
-
 #include <sys/socket.h>
 
 #include <cerrno>
