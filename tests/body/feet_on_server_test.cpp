@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <orvo/body/kinematics.h>
+#include <orvo/monitor/scene_reader.h>
 #include <orvo/net/comm_unit.h>
 #include <orvo/perception/perception_reader.h>
 #include <orvo/skills/joint_controller.h>
@@ -17,20 +18,6 @@ namespace {
 
 using namespace orvo;
 
-// The matrix of the transform `depth` levels above position `at` of a whole
-// monitor scene: the pose on the field of the part drawn there.
-Eigen::Isometry3d transform_above(const std::string& scene, std::size_t at, int depth) {
-    for (int i = 0; i < depth; ++i) {
-        at = scene.rfind("(SLT ", at - 1);
-    }
-    std::istringstream numbers(scene.substr(at + 5, 400));
-    Eigen::Matrix4d m;
-    for (int i = 0; i < 16; ++i) {
-        numbers >> m.data()[i]; // column by column
-    }
-    return Eigen::Isometry3d(m);
-}
-
 struct Hold {
     body::LegAngles left, right;
 };
@@ -40,15 +27,20 @@ const Hold holds[] = {
     {{-25, 12, 20, -45, 10, -6}, {-25, -12, 45, -80, 40, 6}},
 };
 
-// The foot's pose relative to the torso in a whole monitor scene. The torso's
-// mesh sits in an offset transform of its own.
-Eigen::Isometry3d foot_in_torso(const std::string& scene, int type, const char* foot) {
-    const std::size_t torso_at = scene.find("models/naobody" + std::to_string(type));
-    const std::size_t foot_at = scene.find(std::string("models/") + foot, torso_at);
-    if (torso_at == std::string::npos || foot_at == std::string::npos) {
+// The foot's pose relative to the torso, as the monitor's scene shows them.
+Eigen::Isometry3d foot_in_torso(const std::string& scene, const char* foot) {
+    monitor::SceneReader reader;
+    reader.read(scene);
+    const monitor::RobotTruth* robot = reader.robot(monitor::Side::left, 1);
+    const monitor::Pose* torso = robot != nullptr ? robot->part("torso") : nullptr;
+    const monitor::Pose* sole = robot != nullptr ? robot->part(foot) : nullptr;
+    if (torso == nullptr || sole == nullptr) {
         throw std::runtime_error("no torso or foot in the monitor's scene");
     }
-    return transform_above(scene, torso_at, 2).inverse() * transform_above(scene, foot_at, 1);
+    const auto pose = [](const monitor::Pose& part) {
+        return Eigen::Isometry3d(Eigen::Matrix4d(Eigen::Map<const Eigen::Matrix4d>(part.m)));
+    };
+    return pose(*torso).inverse() * pose(*sole);
 }
 
 TEST(FeetOnServer, WhereTheModelPutsThemForEveryLegLength) {
@@ -94,7 +86,7 @@ TEST(FeetOnServer, WhereTheModelPutsThemForEveryLegLength) {
             ASSERT_FALSE(scene.empty());
             read_angles(); // of the cycle the scene shows
             for (const char* foot : {"lfoot", "rfoot"}) {
-                const Eigen::Isometry3d measured = foot_in_torso(scene, type, foot);
+                const Eigen::Isometry3d measured = foot_in_torso(scene, foot);
                 const Eigen::Isometry3d modelled = body::part_pose(model, foot, angles);
                 const double off = (measured.translation() - modelled.translation()).norm();
                 const double turn =
