@@ -4,7 +4,7 @@
 
 #include "sim_robot.h"
 #include "sim_server.h"
-#include "trainer.h"
+#include <orvo/monitor/monitor_client.h>
 
 #include <orvo/perception/perception_reader.h>
 #include <orvo/world/world_model.h>
@@ -15,7 +15,7 @@ namespace {
 
 TEST(WorldRealServer, PlacedRobotFindsItsPoseWhileItsHeadScans) {
     orvo::sim::SimServer server;
-    orvo::record::Trainer trainer(server.monitor_port());
+    orvo::monitor::MonitorClient trainer("127.0.0.1", server.monitor_port());
     orvo::sim::SimRobot robot("127.0.0.1", server.agent_port(), {0, 1, "orvo"});
     robot.join();
     // The server takes each command in its own time: let the beam land
@@ -23,10 +23,10 @@ TEST(WorldRealServer, PlacedRobotFindsItsPoseWhileItsHeadScans) {
     robot.step("(beam -3 1 0)");
     for (int cycle = 0; cycle < 5; ++cycle)
         robot.step();
-    trainer.say("(playMode PlayOn)");
+    trainer.send("(playMode PlayOn)");
     for (int cycle = 0; cycle < 5; ++cycle)
         robot.step();
-    trainer.place(-4, 3, 30);
+    trainer.place_robot(orvo::monitor::Side::left, 1, -4, 3, 0.35, 30);
     orvo::world::WorldModel model(orvo::world::WorldParams::for_type(WORLD_PARAMS, 0));
     model.set_team("orvo", orvo::perception::Side::left);
     model.place(-3, 1, 0); // where it asked to be beamed, 2.2 m and 30 degrees off
@@ -35,7 +35,7 @@ TEST(WorldRealServer, PlacedRobotFindsItsPoseWhileItsHeadScans) {
     for (int cycle = 0; cycle < 150; ++cycle) {
         const double yaw_speed = 2.0 * std::cos(2 * M_PI * cycle / 150.0);
         const std::string& got = robot.step("(he1 " + std::to_string(yaw_speed) + ")");
-        trainer.drain();
+        trainer.update(std::chrono::milliseconds(0));
         ASSERT_TRUE(reader.read(got, now));
         model.update(now, {});
     }

@@ -7,7 +7,7 @@
 #include "replay.h"
 #include "sim_robot.h"
 #include "sim_server.h"
-#include "trainer.h"
+#include <orvo/monitor/monitor_client.h>
 
 #include <orvo/head/head_aim.h>
 #include <orvo/perception/perception_reader.h>
@@ -87,14 +87,14 @@ std::string CourseRun::neck_command(const orvo::perception::Perception& now, dou
 
 Errors CourseRun::run() {
     orvo::sim::SimServer server;
-    orvo::record::Trainer trainer(server.monitor_port());
+    orvo::monitor::MonitorClient trainer("127.0.0.1", server.monitor_port());
     orvo::sim::SimRobot robot("127.0.0.1", server.agent_port(), {options_.type, 1, "orvo"});
     robot.join();
-    trainer.say("(playMode PlayOn)");
+    trainer.send("(playMode PlayOn)");
     for (int c = 0; c < 5; ++c)
         robot.step();
-    trainer.say("(ball (pos 0 0 0.042))");
-    trainer.place(x_, y_, heading_);
+    trainer.send("(ball (pos 0 0 0.042))");
+    trainer.place_robot(orvo::monitor::Side::left, 1, x_, y_, 0.35, heading_);
     world_.set_team("orvo", orvo::perception::Side::left);
     world_.place(x_, y_, heading_);
     orvo::perception::PerceptionReader reader;
@@ -108,7 +108,7 @@ Errors CourseRun::run() {
     for (int c = 0; c < cycles; ++c) {
         // The robot stands where the trainer put it in the previous round.
         const std::string& got = robot.step(command);
-        trainer.drain();
+        trainer.update(std::chrono::milliseconds(0));
         if (!reader.read(got, now))
             continue;
         orvo::world::Odometry step;
@@ -139,7 +139,7 @@ Errors CourseRun::run() {
             y_ += y_ > 0 ? -5 : 5; // 5 m sideways, unknown to the odometry
         else
             advance(0.02);
-        trainer.place(x_, y_, heading_);
+        trainer.place_robot(orvo::monitor::Side::left, 1, x_, y_, 0.35, heading_);
         command = neck_command(now, now.time);
     }
     return errors;

@@ -4,7 +4,7 @@
 #include "recording.h"
 #include "sim_robot.h"
 #include "sim_server.h"
-#include "trainer.h"
+#include <orvo/monitor/monitor_client.h>
 
 #include <cmath>
 #include <cstdio>
@@ -48,11 +48,11 @@ double neck_angle(const std::string& payload, const std::string& joint) {
 /// Carries the robot by the trainer along a quarter circle of 3 m radius at
 /// 0.4 m/s, its head scanning, writing the odometry a walk would report (10 %
 /// long, as a walk's often are) beside the truth.
-void glide(orvo::sim::SimRobot& robot, orvo::record::Trainer& trainer, std::ostream& out) {
+void glide(orvo::sim::SimRobot& robot, orvo::monitor::MonitorClient& trainer, std::ostream& out) {
     const double radius = 3, speed = 0.4, cx = -3, cy = 0;
     const double turn = speed / radius; // rad/s, counter-clockwise
     double angle = -M_PI / 2;
-    trainer.place(cx, cy - radius, 0);
+    trainer.place_robot(orvo::monitor::Side::left, 1, cx, cy - radius, 0.35, 0);
     for (int c = 0; c < 10; ++c)
         robot.step();
     double dx = 0, dturn = 0;
@@ -60,12 +60,12 @@ void glide(orvo::sim::SimRobot& robot, orvo::record::Trainer& trainer, std::ostr
         angle += turn * 0.02;
         const double x = cx + radius * std::cos(angle), y = cy + radius * std::sin(angle);
         const double heading = (angle + M_PI / 2) * 180 / M_PI;
-        trainer.place(x, y, heading);
+        trainer.place_robot(orvo::monitor::Side::left, 1, x, y, 0.35, heading);
         dx += 1.1 * speed * 0.02;
         dturn += turn * 0.02 * 180 / M_PI;
         const double yaw_speed = 2.6 * std::cos(2 * M_PI * c * 0.02 / 4.0);
         const std::string& got = robot.step("(he1 " + std::to_string(yaw_speed) + ")");
-        trainer.drain();
+        trainer.update(std::chrono::milliseconds(0));
         if (got.find("(See") == std::string::npos)
             continue;
         // The robot stands where the trainer put it one cycle before.
@@ -90,19 +90,19 @@ int main(int argc, char** argv) {
     std::uniform_real_distribution<double> around(-2.5, 2.5);
     std::ofstream out(argv[2]);
     orvo::sim::SimServer server;
-    orvo::record::Trainer trainer(server.monitor_port());
+    orvo::monitor::MonitorClient trainer("127.0.0.1", server.monitor_port());
     orvo::sim::SimRobot robot("127.0.0.1", server.agent_port(), {type, 1, "orvo"});
     robot.join();
     robot.step("(beam -5 0 0)");
-    trainer.say("(playMode PlayOn)");
+    trainer.send("(playMode PlayOn)");
     out << "# robot type " << type << ", " << per_spot << " s per spot, head scanning\n";
     const int cycles = static_cast<int>(per_spot / 0.02);
     for (const Spot& spot : spots) {
-        trainer.place(spot.x, spot.y, spot.heading_deg);
+        trainer.place_robot(orvo::monitor::Side::left, 1, spot.x, spot.y, 0.35, spot.heading_deg);
         const double bx = spot.x + around(rng), by = spot.y + around(rng);
         char ball[96];
         std::snprintf(ball, sizeof ball, "(ball (pos %.2f %.2f 0.042))", bx, by);
-        trainer.say(ball);
+        trainer.send(ball);
         out << "truth " << spot.x << ' ' << spot.y << ' ' << spot.heading_deg << "\nball " << bx
             << ' ' << by << '\n';
         for (int c = 0; c < cycles; ++c) {
@@ -114,7 +114,7 @@ int main(int argc, char** argv) {
                 0.1 * (spot.neck_pitch_deg - neck_angle(robot.last(), "hj2"));
             const std::string& got = robot.step("(he1 " + std::to_string(yaw_speed) + ")(he2 " +
                                                 std::to_string(pitch_speed) + ")");
-            trainer.drain();
+            trainer.update(std::chrono::milliseconds(0));
             if (got.find("(See") != std::string::npos && c > 10)
                 out << "see " << orvo::record::cut_down(got) << '\n';
         }
