@@ -18,6 +18,7 @@ struct Drill {
 
 const Drill drills[] = {
     {"walk", orvo::drill::walk_usage, orvo::drill::run_walk},
+    {"localize", orvo::drill::localize_usage, orvo::drill::run_localize},
 };
 
 void print_usage() {

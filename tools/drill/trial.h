@@ -55,6 +55,10 @@ public:
     /// "start_time" (given) and "end_time" (now, game time) and "falls".
     nlohmann::json record(const std::string& skill, const DrillOptions& options, int run,
                           double start_time) const;
+    /// The monitor, for the truth beyond the robot's pose and for trainer commands.
+    monitor::MonitorClient& monitor() { return *monitor_; }
+    /// The robot's number on the left team.
+    int number() const { return number_; }
     /// Falls counted since the trial began.
     int falls() const { return falls_; }
     /// The torso's height (m) and tilt from upright (deg) by the monitor.
