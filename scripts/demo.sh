@@ -9,7 +9,7 @@
 #
 #   scripts/demo.sh [--standin] [--agents N] [--teams N] [--cycles N] [--types LIST]
 #                   [--sync] [--slowdown F] [--server HOST:PORT] [--monitor-port N]
-#                   [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
+#                   [--play] [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
 #
 #   --standin         play the stand-in server even when a real one is installed
 #   --agents N        agent processes per team (default 11, at most 11)
@@ -28,6 +28,8 @@
 #                     drawing viewer (orvo_viewer) shows the agents' drawings
 #                     on a live page
 #   --monitor-port N  the external server's monitor port (default 3200)
+#   --play            once kicked off, the teams play soccer (walk, head for the
+#                     ball, keep a formation): a real server's physics only
 #   --live            show the game on the stand-in's live page while it runs
 #                     (its address is printed; it stays up until the game ends)
 #   --no-build        use the existing build
@@ -52,6 +54,7 @@ sync=()
 slowdown=1
 external=
 live=no
+play=0
 standin=no
 drawing_host=
 monitor_port=3200
@@ -69,6 +72,7 @@ while [ $# -gt 0 ]; do
     --server) external=$2; shift 2 ;;
     --monitor-port) monitor_port=$2; shift 2 ;;
     --live) live=yes; shift ;;
+    --play) play=1; shift ;;
     --no-build) build=no; shift ;;
     --build-dir) build_dir=$(realpath -m "$2"); shift 2 ;;
     --run-dir) run=$(realpath -m "$2"); shift 2 ;;
@@ -270,6 +274,7 @@ for ((t = 0; t < teams; t++)); do
       "$dir/config/server.cfg"
     sed -i "s/^drawing_port .*/drawing_port $udp_port/" "$dir/config/server.cfg"
     [ -z "$drawing_host" ] || echo "drawing_host $drawing_host" >> "$dir/config/server.cfg"
+    echo "play $play" >> "$dir/config/server.cfg"
     (cd "$dir" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
       exec ./demo > output.txt 2>&1) &
     agent_pids+=($!)

@@ -5,6 +5,7 @@
 #include "beam_to.h"
 #include "find_cell.h"
 #include "hold_position.h"
+#include "play_soccer.h"
 #include "posture.h"
 #include "spread_out.h"
 #include "take_position.h"
@@ -18,6 +19,7 @@ ORVO_COMPONENT_FACTORY(worldmodel, demo::WorldModel)
 ORVO_COMPONENT_FACTORY(behavior_take_position, demo::TakePosition)
 ORVO_COMPONENT_FACTORY(behavior_spread_out, demo::SpreadOut)
 ORVO_COMPONENT_FACTORY(behavior_hold_position, demo::HoldPosition)
+ORVO_COMPONENT_FACTORY(behavior_play, demo::PlaySoccer)
 ORVO_COMPONENT_FACTORY(skill_beam, demo::BeamTo)
 ORVO_COMPONENT_FACTORY(skill_find_cell, demo::FindCell)
 ORVO_COMPONENT_FACTORY(skill_posture, demo::Posture)

@@ -25,6 +25,10 @@ struct Settings {
     /// Directory of ready.motion, wave.motion and head_scan.motion; empty:
     /// the motions that come with the library.
     std::string motions;
+    /// 1: once kicked off, the team plays soccer (walks, heads for the ball,
+    /// keeps a formation), which only a server with physics can show; 0: it
+    /// holds the places it spread out to.
+    bool play = false;
 };
 
 /// Reads "key value" lines into `settings`; "#" starts a comment, blank lines

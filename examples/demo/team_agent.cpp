@@ -40,6 +40,7 @@ void TeamAgent::link(orvo::Class_Map& classes) {
     spread_out = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_spread_out", classes);
     hold_position =
         orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_hold_position", classes);
+    play_soccer = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_play", classes);
     posture = orvo::get_class<Posture>(*this, "skill_posture", classes);
 }
 
@@ -124,7 +125,11 @@ void TeamAgent::act() {
         return;
     }
     if (!world->may_beam()) {
-        (*hold_position)();
+        if (configuration->settings.play) {
+            (*play_soccer)();
+        } else {
+            (*hold_position)();
+        }
     } else if (!world->has_beamed()) {
         (*take_position)();
     } else {

@@ -57,6 +57,7 @@ private:
     orvo::behaviors::Behavior* take_position = nullptr;
     orvo::behaviors::Behavior* spread_out = nullptr;
     orvo::behaviors::Behavior* hold_position = nullptr;
+    orvo::behaviors::Behavior* play_soccer = nullptr;
 
     Posture* posture = nullptr;
 

@@ -36,6 +36,7 @@ void WorldModel::init() {
 }
 
 void WorldModel::update(const orvo::perception::Perception& perception) {
+    last = &perception;
     namespace perceived = orvo::perception;
     if (perception.has_time) {
         time_s = perception.time;

@@ -36,6 +36,8 @@ public:
     std::string get_name() const override { return "worldmodel"; }
 
     void update(const orvo::perception::Perception& perception);
+    /// The perception of this cycle (the agent's own, valid until the next).
+    const orvo::perception::Perception& perception() const { return *last; }
 
     /// Simulation time in milliseconds: the knowledge base's clock.
     unsigned int time() const { return time_ms; }
@@ -73,6 +75,7 @@ public:
 private:
     TeamConfiguration* configuration = nullptr;
     std::unique_ptr<orvo::DebugDrawings> debug;
+    const orvo::perception::Perception* last = nullptr;
     unsigned int time_ms = 0;
     int unum = 0;
     bool right_side = false;

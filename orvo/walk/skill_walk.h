@@ -36,6 +36,10 @@ public:
     /// Walks robot `type` with `params` instead of the installed ones.
     void set_params(int type, const WalkParams& params);
 
+    /// Leaves the neck to another skill (a head skill): the walk no longer
+    /// sends its joints.
+    void leave_head();
+
     /// The walk; loads type 0's when none is set yet.
     Walker& walker();
 
@@ -46,6 +50,7 @@ public:
 private:
     std::unique_ptr<Walker> walker_;
     effectors::Effector_Joints* effector = nullptr;
+    bool head_left_ = false;
 };
 
 /// What the action log keeps of one cycle of "skill_walk"; its properties are

@@ -60,7 +60,16 @@ void Skill_Walk::operator()(const perception::Perception& perception) {
     boost::shared_ptr<knowledgebase::descriptors::Descriptor_Skill> record =
         boost::make_shared<Walk_Step>(get_name(), *walker_);
     (*skill_injector)(record);
-    (*effector)(walker_->speeds(), walker_->joints());
+    robot::JointSet joints = walker_->joints();
+    if (head_left_) {
+        joints.reset(robot::index(robot::Joint::neck_yaw));
+        joints.reset(robot::index(robot::Joint::neck_pitch));
+    }
+    (*effector)(walker_->speeds(), joints);
+}
+
+void Skill_Walk::leave_head() {
+    head_left_ = true;
 }
 
 Walk_Step::Walk_Step(const std::string& id, const Walker& walker) : Descriptor_Skill(id) {

@@ -1,0 +1,130 @@
+#include "play_soccer.h"
+
+#include "team_configuration.h"
+#include "world_model.h"
+
+#include <orvo/beliefs/belief_drawings.h>
+#include <orvo/head/skill_head.h>
+#include <orvo/knowledgebase/injectors/injector_action.h>
+#include <orvo/params/param_set.h>
+#include <orvo/skills/skill_joints.h>
+#include <orvo/walk/skill_walk.h>
+
+#include <cmath>
+
+namespace demo {
+
+namespace {
+
+using orvo::params::params_path;
+constexpr double degrees = 180 / M_PI;
+/// A robot tilted this far is down: it must not walk.
+constexpr double fallen_deg = 50;
+/// Team-mates count while seen this recently (s).
+constexpr double mates_recent_s = 3;
+/// The ball counts while seen this recently (s).
+constexpr double ball_recent_s = 4;
+
+} // namespace
+
+PlaySoccer::PlaySoccer() = default;
+PlaySoccer::~PlaySoccer() = default;
+
+void PlaySoccer::link(orvo::Class_Map& classes) {
+    actions = orvo::get_class<orvo::knowledgebase::injectors::Injector_Action>(
+        *this, "injector_action", classes);
+    world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
+    configuration = orvo::get_class<TeamConfiguration>(*this, "configuration", classes);
+    walker = orvo::get_class<orvo::walk::Skill_Walk>(*this, "skill_walk", classes);
+    head = orvo::get_class<orvo::head::Skill_Head>(*this, "skill_head", classes);
+    joints = orvo::get_class<orvo::skills::Skill_Joints>(*this, "skill_joints", classes);
+}
+
+void PlaySoccer::init() {
+    const int type = static_cast<int>(configuration->settings.type);
+    walker->set_robot_type(type);
+    walker->leave_head();
+    head->set_params(orvo::head::HeadParams::load(params_path("head", type)));
+    belief_ = std::make_unique<orvo::world::WorldModel>(
+        orvo::world::WorldParams::load(params_path("world", type)));
+    params_ = PlayParams::for_type(type);
+}
+
+// The first cycle of play: the stance and head scan of before the kick-off
+// give way to the walk and the head skill; the belief starts at the beam.
+void PlaySoccer::start() {
+    joints->player().release_all();
+    belief_->set_team(configuration->settings.team, world->on_right_side()
+                                                        ? orvo::perception::Side::right
+                                                        : orvo::perception::Side::left);
+    belief_->place(world->position().x, world->position().y, 0);
+    odometry_ = walker->walker().odometry();
+    started_ = true;
+}
+
+Situation PlaySoccer::situation() const {
+    const orvo::world::Pose& pose = belief_->pose();
+    const orvo::world::BallBelief& ball = belief_->ball();
+    const double now = world->seconds();
+    Situation out;
+    out.number = world->number();
+    out.self = {pose.x, pose.y};
+    out.heading_deg = pose.heading_deg;
+    out.ball_known = ball.known && now - ball.last_seen < ball_recent_s;
+    out.ball = {ball.x, ball.y};
+    for (const orvo::world::OtherRobot& mate : belief_->others()[1]) {
+        if (mate.known && now - mate.last_seen < mates_recent_s) {
+            out.mates.push_back({mate.x, mate.y});
+        }
+    }
+    out.home = {world->position().x, world->position().y};
+    return out;
+}
+
+// Dribbling walks straight on through the ball toward the goal; any other
+// spot is handed to the walk in its own odometry frame.
+void PlaySoccer::walk(const Decision& decision) {
+    orvo::walk::Walker& walk = walker->walker();
+    const orvo::world::Pose& pose = belief_->pose();
+    const double dx = decision.target.x - pose.x, dy = decision.target.y - pose.y;
+    if (decision.dribble) {
+        const double goal = std::atan2(-pose.y, 15 - pose.x) * degrees;
+        const double turn = std::remainder(goal - pose.heading_deg, 360.0);
+        walk.set_velocity(walk.params().max_forward, 0, turn);
+        return;
+    }
+    const double h = pose.heading_deg / degrees;
+    const double ahead = std::cos(h) * dx + std::sin(h) * dy;
+    const double left = -std::sin(h) * dx + std::cos(h) * dy;
+    const orvo::walk::Odometry& at = walk.odometry();
+    const double o = at.heading / degrees;
+    walk.walk_to(at.x + std::cos(o) * ahead - std::sin(o) * left,
+                 at.y + std::sin(o) * ahead + std::cos(o) * left);
+}
+
+void PlaySoccer::operator()() {
+    (*actions)(get_name(), world->time(), action_retention);
+    // Play starts at the kick-off and again after each goal's beams.
+    constexpr unsigned one_cycle_ms = 20;
+    if (!started_ || world->time() > last_ms_ + one_cycle_ms) {
+        start();
+    }
+    last_ms_ = world->time();
+    const orvo::perception::Perception& now = world->perception();
+    const orvo::walk::Odometry& moved = walker->walker().odometry();
+    belief_->update(now, orvo::world::step_between(odometry_.x, odometry_.y, odometry_.heading,
+                                                   moved.x, moved.y, moved.heading));
+    odometry_ = moved;
+    decision_ = decide(situation(), params_);
+    if (belief_->tilt_deg() > fallen_deg) {
+        walker->walker().stop();
+    } else {
+        walk(decision_);
+    }
+    (*walker)(now);
+    (*head)(*belief_, now.time);
+    (*joints)(world->joint_angles(), now.time);
+    orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
+}
+
+} // namespace demo

@@ -1,0 +1,70 @@
+#ifndef ORVO_DEMO_PLAY_SOCCER_H
+#define ORVO_DEMO_PLAY_SOCCER_H
+
+#include "roles.h"
+
+#include <orvo/behaviors/behavior.h>
+#include <orvo/walk/walker.h>
+#include <orvo/world/world_model.h>
+
+#include <memory>
+
+namespace orvo::knowledgebase::injectors {
+class Injector_Action;
+}
+namespace orvo::head {
+class Skill_Head;
+}
+namespace orvo::skills {
+class Skill_Joints;
+}
+namespace orvo::walk {
+class Skill_Walk;
+}
+
+namespace demo {
+
+class TeamConfiguration;
+class WorldModel;
+
+/// "behavior_play": the game itself, once kicked off. Each cycle the
+/// player's belief (where it is, the ball, the others) takes the perception
+/// and what the walk moved; it picks its role (keeper, chaser or support,
+/// see decide()) and walks there through "skill_walk", the head aimed by
+/// "skill_head". A fallen robot stands still until it is up again.
+class PlaySoccer : public orvo::behaviors::Behavior {
+public:
+    PlaySoccer();
+    ~PlaySoccer() override;
+    void link(orvo::Class_Map& classes) override;
+    /// Loads the walk, head, world and play parameters of the robot's type.
+    void init() override;
+    std::string get_name() const override { return "behavior_play"; }
+    void operator()() override;
+
+    const orvo::world::WorldModel& belief() const { return *belief_; }
+    const Decision& decision() const { return decision_; }
+
+private:
+    void start();
+    Situation situation() const;
+    void walk(const Decision& decision);
+
+    orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
+    WorldModel* world = nullptr;
+    TeamConfiguration* configuration = nullptr;
+    orvo::walk::Skill_Walk* walker = nullptr;
+    orvo::head::Skill_Head* head = nullptr;
+    orvo::skills::Skill_Joints* joints = nullptr;
+
+    std::unique_ptr<orvo::world::WorldModel> belief_;
+    PlayParams params_;
+    Decision decision_;
+    orvo::walk::Odometry odometry_;
+    bool started_ = false;
+    unsigned last_ms_ = 0; ///< the world's time at the last call
+};
+
+} // namespace demo
+
+#endif

@@ -1,0 +1,92 @@
+#include "roles.h"
+
+#include <orvo/params/param_set.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace demo {
+
+namespace {
+
+constexpr double goal_x = 15;
+constexpr double degrees = 180 / M_PI;
+
+double distance(const Spot& a, const Spot& b) {
+    return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+bool nearest_to_ball(const Situation& now, const PlayParams& params) {
+    const double mine = distance(now.self, now.ball);
+    return std::none_of(now.mates.begin(), now.mates.end(), [&](const Spot& mate) {
+        return distance(mate, now.ball) + params.chaser_margin < mine;
+    });
+}
+
+// Behind the ball on the line from the opponents' goal through it; a player
+// in front of the ball first walks round it on the side it stands.
+Decision chase(const Situation& now, const PlayParams& params) {
+    const double gx = goal_x - now.ball.x, gy = -now.ball.y;
+    const double length = std::max(std::hypot(gx, gy), 1e-6);
+    const double ux = gx / length, uy = gy / length;
+    Decision out{Role::chaser,
+                 {now.ball.x - params.behind_ball * ux, now.ball.y - params.behind_ball * uy},
+                 false};
+    const double ahead = (now.self.x - now.ball.x) * ux + (now.self.y - now.ball.y) * uy;
+    if (ahead > -params.behind_ball / 2) {
+        const double side = (now.self.x - now.ball.x) * -uy + (now.self.y - now.ball.y) * ux;
+        const double sign = side >= 0 ? 1 : -1;
+        out.target = {now.ball.x - params.around_ball * ux - sign * params.around_ball * uy,
+                      now.ball.y - params.around_ball * uy + sign * params.around_ball * ux};
+        return out;
+    }
+    const double facing = std::remainder(std::atan2(uy, ux) * degrees - now.heading_deg, 360.0);
+    out.dribble =
+        distance(now.self, out.target) < params.aligned_m && std::abs(facing) < params.aligned_deg;
+    return out;
+}
+
+} // namespace
+
+PlayParams PlayParams::for_type(int type) {
+    const auto set = orvo::params::ParamSet::load(orvo::params::params_path("play", type));
+    PlayParams out;
+    out.keeper_x = set["keeper_x"];
+    out.keeper_reach = set["keeper_reach"];
+    out.keeper_clear = set["keeper_clear"];
+    out.behind_ball = set["behind_ball"];
+    out.around_ball = set["around_ball"];
+    out.aligned_m = set["aligned_m"];
+    out.aligned_deg = set["aligned_deg"];
+    out.chaser_margin = set["chaser_margin"];
+    out.follow_x = set["follow_x"];
+    out.follow_y = set["follow_y"];
+    return out;
+}
+
+Decision decide(const Situation& now, const PlayParams& params) {
+    if (now.number == 1) {
+        const bool near_goal = now.ball_known && now.ball.x < -goal_x + params.keeper_clear &&
+                               std::abs(now.ball.y) < params.keeper_clear;
+        if (near_goal) {
+            Decision out = chase(now, params);
+            out.role = Role::keeper;
+            return out;
+        }
+        const double y =
+            now.ball_known ? std::clamp(now.ball.y * 0.5, -params.keeper_reach, params.keeper_reach)
+                           : 0.0;
+        return {Role::keeper, {params.keeper_x, y}, false};
+    }
+    if (!now.ball_known) {
+        return {Role::support, now.home, false};
+    }
+    if (nearest_to_ball(now, params)) {
+        return chase(now, params);
+    }
+    return {Role::support,
+            {now.home.x + params.follow_x * now.ball.x, now.home.y + params.follow_y * now.ball.y},
+            false};
+}
+
+} // namespace demo

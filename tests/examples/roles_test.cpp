@@ -1,0 +1,97 @@
+// The demo team's choice of role and spot, on situations whose answer is
+// clear from the field.
+#include "roles.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using demo::Decision;
+using demo::Role;
+using demo::Situation;
+
+demo::PlayParams params() {
+    demo::PlayParams p;
+    p.keeper_x = -14.3;
+    p.keeper_reach = 0.9;
+    p.keeper_clear = 2.5;
+    p.behind_ball = 0.25;
+    p.around_ball = 0.6;
+    p.aligned_m = 0.2;
+    p.aligned_deg = 20;
+    p.chaser_margin = 0.3;
+    p.follow_x = 0.5;
+    p.follow_y = 0.3;
+    return p;
+}
+
+struct Case {
+    const char* what;
+    Situation now;
+    Role role;
+    double x, y;
+    bool dribble;
+};
+
+TEST(Roles, EachSituationGetsItsRoleAndSpot) {
+    const demo::Spot home{-6, 2};
+    const Case cases[] = {
+        {"keeper follows the ball along its line, within reach",
+         {1, {-14, 0}, 0, true, {0, 4}, {}, home},
+         Role::keeper,
+         -14.3,
+         0.9,
+         false},
+        {"keeper goes for a ball at its goal",
+         {1, {-14, 0}, 0, true, {-13.5, 0}, {}, home},
+         Role::keeper,
+         -13.75,
+         0,
+         false},
+        {"nearest player lines up behind the ball",
+         {5, {-2, 0}, 0, true, {0, 0}, {}, home},
+         Role::chaser,
+         -0.25,
+         0,
+         false},
+        {"lined up and facing the goal, it dribbles",
+         {5, {-0.3, 0}, 5, true, {0, 0}, {}, home},
+         Role::chaser,
+         -0.25,
+         0,
+         true},
+        {"lined up but facing away, it turns first",
+         {5, {-0.3, 0}, 90, true, {0, 0}, {}, home},
+         Role::chaser,
+         -0.25,
+         0,
+         false},
+        {"in front of the ball it walks round it on its own side",
+         {5, {1, 0.5}, 180, true, {0, 0}, {}, home},
+         Role::chaser,
+         -0.6,
+         0.6,
+         false},
+        {"a mate nearer the ball chases; this one follows the formation",
+         {5, {-3, 0}, 0, true, {2, 1}, {{1.5, 1}}, home},
+         Role::support,
+         -5,
+         2.3,
+         false},
+        {"no ball seen: home",
+         {5, {-3, 0}, 0, false, {2, 1}, {}, home},
+         Role::support,
+         -6,
+         2,
+         false},
+    };
+    for (const Case& c : cases) {
+        const Decision d = demo::decide(c.now, params());
+        EXPECT_EQ(d.role, c.role) << c.what;
+        EXPECT_NEAR(d.target.x, c.x, 1e-9) << c.what;
+        EXPECT_NEAR(d.target.y, c.y, 1e-9) << c.what;
+        EXPECT_EQ(d.dribble, c.dribble) << c.what;
+    }
+}
+
+} // namespace
