@@ -73,9 +73,10 @@ void write_modes(std::ostream& out, const GameStats& stats) {
 }
 
 void write_robots(std::ostream& out, const GameStats& stats) {
-    out << "## Robots\n\nWalked: metres covered upright (placements left out). A fall: the "
-           "torso's up axis more than 53 degrees from the vertical, or the torso below "
-           "0.25 m.\n\n"
+    out << "## Robots\n\nWalked: metres the torso covered upright, in steps of at least 5 cm; "
+           "a jump of over 1 m between two updates (a placement) is left out. A fall: the "
+           "torso's up axis more than 53 degrees from the vertical, or the torso below 0.25 m; "
+           "up again after half a second upright.\n\n"
         << "| team | robot | walked (m) | falls | on the field (s) | falls per minute |\n"
         << "|---|---:|---:|---:|---:|---:|\n";
     for (const auto& robot : stats.robots) {
