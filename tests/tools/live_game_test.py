@@ -4,9 +4,10 @@
 viewer follows the server's monitor port, an agent sends what it believes, and
 headless Chromium shows the robots where the server has them, the score, the
 play mode and the clock, with the belief drawn over them; in a wide window and
-in a phone-sized one.
+in a phone-sized one. A recorder beside the viewer records the game, and the
+statistics of its record name every robot.
 
-    live_game_test.py VIEWER STAGED_GAME CHROMIUM [SCREENSHOT_DIR]
+    live_game_test.py VIEWER STAGED_GAME RECORDER STATS CHROMIUM [SCREENSHOT_DIR]
 
 Screenshots (live-game.png, live-game-phone.png) go to SCREENSHOT_DIR when
 given. Exits 77 (skipped) when CHROMIUM or the real server is not there.
@@ -101,20 +102,34 @@ def check_phone(browser, work):
     open(os.path.join(work, "live-game-phone.png"), "wb").write(shot)
 
 
+def check_record(record, game_stats, work):
+    """The record of the game so far reads whole, with every robot of both teams."""
+    stop(record)
+    assert record.returncode == 0, f"the recorder ended with {record.returncode}"
+    stats = subprocess.run([game_stats, os.path.join(work, "game.txt"), "--plot", os.path.join(work, "game.svg")],
+                           capture_output=True, text=True, timeout=WAIT)
+    assert stats.returncode == 0, stats.stderr
+    assert " 0 malformed." in stats.stdout, stats.stdout
+    for robot in ("home (left) | 1 |", "home (left) | 3 |", "away (right) | 2 |"):
+        assert robot in stats.stdout, stats.stdout
+
+
 def main():
-    viewer, staged_game, chromium = sys.argv[1:4]
-    shots = sys.argv[4] if len(sys.argv) > 4 else None
+    viewer, staged_game, recorder, game_stats, chromium = sys.argv[1:6]
+    shots = sys.argv[6] if len(sys.argv) > 6 else None
     if not shutil.which(chromium) or not shutil.which("rcssserver3d"):
         print("headless Chromium or the real server (rcssserver3d) is missing")
         return 77
     started = time.time()
     work = tempfile.mkdtemp(prefix="orvo-live-game-")
-    game = page = browser = None
+    game = page = browser = record = None
     halt = threading.Event()
     try:
         game = subprocess.Popen([staged_game, "--paced", "--ready-file", os.path.join(work, "ready"),
                                  "--log", os.path.join(work, "server.log")])
         monitor_port = int(wait_for_file(os.path.join(work, "ready"), "the staged game", game)[2])
+        record = subprocess.Popen([recorder, "--monitor", f"127.0.0.1:{monitor_port}",
+                                   "--out", os.path.join(work, "game.txt")], stdout=subprocess.DEVNULL)
         page = subprocess.Popen([viewer, "--monitor", f"127.0.0.1:{monitor_port}", "--drawing-port", "0",
                                  "--http-port", "0", "--ports-file", os.path.join(work, "ports")],
                                 stdout=subprocess.PIPE, text=True)
@@ -142,6 +157,7 @@ def main():
         output = page.communicate(timeout=WAIT)[0]
         assert page.returncode == 0, f"the viewer ended with {page.returncode}"
         assert "monitor: " in output and ", live" in output, output
+        check_record(record, game_stats, work)
         print(f"{ROBOTS} robots and a belief drawn from the real server: {header!r}; {rate!r}; "
               f"{time.time() - started:.1f} s")
     except Exception:
@@ -152,6 +168,7 @@ def main():
         if browser:
             browser.close()
         stop(page)
+        stop(record)
         stop(game)
     shutil.rmtree(work, ignore_errors=True)
     return 0
