@@ -7,10 +7,10 @@ play mode and the clock, with the belief drawn over them; in a wide window and
 in a phone-sized one. A recorder beside the viewer records the game, and the
 statistics of its record name every robot.
 
-    live_game_test.py VIEWER STAGED_GAME RECORDER STATS CHROMIUM [SCREENSHOT_DIR]
+    live_game_test.py VIEWER STAGED_GAME RECORDER STATS CHROMIUM [SCREENSHOT_DIR [PER_TEAM]]
 
 Screenshots (live-game.png, live-game-phone.png) go to SCREENSHOT_DIR when
-given. Exits 77 (skipped) when CHROMIUM or the real server is not there.
+given; PER_TEAM robots a team play then (default: 3 left, 2 right). Exits 77 (skipped) when CHROMIUM or the real server is not there.
 """
 import base64
 import os
@@ -27,17 +27,19 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from browser_test import WAIT, DevTools, near, rgb_pixels, shape  # noqa: E402
 
 LEFT_ROBOT = (253, 216, 53)
-BELIEF = (255, 0, 255)
-ROBOTS = 5  # the staged game's default: 3 left, 2 right
+BELIEF, BALL_BELIEF = (255, 0, 255), (255, 128, 0)
 WIDE, PHONE = (1280, 800), (390, 844)
 
 
 def believe(port, stop):
-    """Agent 2 of the left team draws where it believes it is: a point off its true place."""
+    """Agent 2 of the left team draws where it believes it and the ball are: off their true places."""
     out = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+    me, ball = (-6.4, 2.2), (0.4, -0.3)
     while not stop.is_set():
         out.sendto(bytes([3, 0, 2]), ("127.0.0.1", port))
-        out.sendto(shape(0x10, 2, "me", BELIEF, [(-6.5, 2.0)]), ("127.0.0.1", port))
+        out.sendto(shape(0x10, 2, "me", BELIEF, [me]), ("127.0.0.1", port))
+        out.sendto(shape(0x10, 2, "ball", BALL_BELIEF, [ball]), ("127.0.0.1", port))
+        out.sendto(shape(0x11, 2, "to_ball", BELIEF, [me, ball]), ("127.0.0.1", port))
         time.sleep(0.04)
     out.close()
 
@@ -61,12 +63,12 @@ def stop(process):
             process.wait()
 
 
-def open_page(browser, http_port, size):
+def open_page(browser, http_port, size, robots):
     browser.call("Emulation.setDeviceMetricsOverride", width=size[0], height=size[1],
                  deviceScaleFactor=1, mobile=size[0] < size[1])
     browser.call("Page.navigate", url=f"http://127.0.0.1:{http_port}/")
     browser.until("document.getElementById('status').textContent.startsWith('live')", "a live connection")
-    browser.until(f"document.querySelectorAll('g.robot').length == {ROBOTS}", f"{ROBOTS} robots")
+    browser.until(f"document.querySelectorAll('g.robot').length == {robots}", f"{robots} robots")
     browser.until("document.querySelector('circle.point') != null", "the belief of agent 2")
     browser.until("document.querySelector('#game .score').textContent.includes('home')", "the score")
 
@@ -88,13 +90,13 @@ def check_wide(browser, work):
     return header
 
 
-def check_phone(browser, work):
+def check_phone(browser, work, robots):
     """Upright, the field is turned to fill the screen and every robot is on it."""
     inside = browser.evaluate(f"""(() => {{
         const svg = document.querySelector('#field svg');
         const view = svg.viewBox.baseVal;
         const robots = Array.from(document.querySelectorAll('g.robot'), r => r.getBoundingClientRect());
-        return view.height > view.width && robots.length == {ROBOTS} &&
+        return view.height > view.width && robots.length == {robots} &&
             robots.every(b => b.x >= 0 && b.right <= {PHONE[0]} && b.y >= 0 && b.bottom <= {PHONE[1]});
     }})()""")
     assert inside, "the field does not fit the phone's screen"
@@ -117,6 +119,8 @@ def check_record(record, game_stats, work):
 def main():
     viewer, staged_game, recorder, game_stats, chromium = sys.argv[1:6]
     shots = sys.argv[6] if len(sys.argv) > 6 else None
+    teams = ["--left", sys.argv[7], "--right", sys.argv[7]] if len(sys.argv) > 7 else []
+    robots = 2 * int(sys.argv[7]) if teams else 5
     if not shutil.which(chromium) or not shutil.which("rcssserver3d"):
         print("headless Chromium or the real server (rcssserver3d) is missing")
         return 77
@@ -125,7 +129,7 @@ def main():
     game = page = browser = record = None
     halt = threading.Event()
     try:
-        game = subprocess.Popen([staged_game, "--paced", "--ready-file", os.path.join(work, "ready"),
+        game = subprocess.Popen([staged_game, "--paced", *teams, "--ready-file", os.path.join(work, "ready"),
                                  "--log", os.path.join(work, "server.log")])
         monitor_port = int(wait_for_file(os.path.join(work, "ready"), "the staged game", game)[2])
         record = subprocess.Popen([recorder, "--monitor", f"127.0.0.1:{monitor_port}",
@@ -143,12 +147,12 @@ def main():
         target = next(t for t in browser.call("Target.getTargets")["targetInfos"] if t["type"] == "page")
         browser.session = browser.call("Target.attachToTarget", targetId=target["targetId"],
                                        flatten=True)["sessionId"]
-        open_page(browser, http_port, WIDE)
+        open_page(browser, http_port, WIDE, robots)
         time.sleep(1.5)  # a second of pictures for the rate in the status line
         header = check_wide(browser, work)
         rate = browser.evaluate("document.getElementById('status').textContent")
-        open_page(browser, http_port, PHONE)
-        check_phone(browser, work)
+        open_page(browser, http_port, PHONE, robots)
+        check_phone(browser, work, robots)
         if shots:
             for name in ("live-game.png", "live-game-phone.png"):
                 shutil.copy(os.path.join(work, name), os.path.join(shots, name))
@@ -158,7 +162,7 @@ def main():
         assert page.returncode == 0, f"the viewer ended with {page.returncode}"
         assert "monitor: " in output and ", live" in output, output
         check_record(record, game_stats, work)
-        print(f"{ROBOTS} robots and a belief drawn from the real server: {header!r}; {rate!r}; "
+        print(f"{robots} robots and a belief drawn from the real server: {header!r}; {rate!r}; "
               f"{time.time() - started:.1f} s")
     except Exception:
         print(f"kept for a look: {work}", file=sys.stderr)

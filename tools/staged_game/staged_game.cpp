@@ -5,6 +5,7 @@
 
 #include <orvo/monitor/monitor_client.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -41,6 +42,9 @@ struct Shared {
     int agent_port = 0;
     std::atomic<int> joined{0};
     std::atomic<bool> done{false};
+    /// Set at the kick-off: joining goes as fast as the server steps, since
+    /// in sync mode every robot already on waits for the one joining.
+    std::atomic<bool> playing{false};
 };
 
 std::string commands_for(Robot& robot, int& collapsing) {
@@ -65,15 +69,19 @@ void play(Shared& shared, Robot& robot, int index) {
         std::this_thread::sleep_for(1ms);
     }
     try {
+        // A mix the referee takes for a full team: five of type 0, four of
+        // type 1, two of type 2.
+        const int type = robot.number <= 5 ? 0 : robot.number <= 9 ? 1 : 2;
         SimRobot link("127.0.0.1", shared.agent_port,
-                      {0, robot.number, robot.side == Side::left ? "home" : "away", 20000ms});
+                      {type, robot.number, robot.side == Side::left ? "home" : "away", 20000ms});
         link.join(400);
         ++shared.joined;
         int collapsing = 0;
         auto next = std::chrono::steady_clock::now();
         while (!shared.done) {
-            if (shared.options.paced && index == 0) {
-                next += cycle;
+            if (shared.options.paced && index == 0 && shared.playing) {
+                // A late cycle is not made up for by a burst of quick ones.
+                next = std::max(next + cycle, std::chrono::steady_clock::now());
                 std::this_thread::sleep_until(next);
             }
             link.step(commands_for(robot, collapsing));
@@ -86,17 +94,17 @@ void play(Shared& shared, Robot& robot, int index) {
     }
 }
 
-/// Where each robot stands at the kick-off: goalkeepers on their goal line,
-/// the others spread over their own half.
+/// Where each robot stands at the kick-off, in the left team's half (the
+/// right team's is mirrored): goalkeepers on their goal line, the others
+/// spread out, home 2 and away 2 where their walk starts.
 void formation(Side side, int number, double& x, double& y) {
-    const double sign = side == Side::left ? -1.0 : 1.0;
-    if (number == 1) {
-        x = sign * 14.0;
-        y = 0;
-        return;
-    }
-    x = sign * (10.0 - 3.0 * (number % 3));
-    y = 3.0 * ((number % 2 == 0 ? 1 : -1) * ((number / 2) % 3));
+    static constexpr double spots[11][2] = {{-14, 0}, {-7, 3},  {-10, -3}, {-10, 3},
+                                            {-7, -3}, {-4, 0},  {-4, 5},   {-4, -5},
+                                            {-2, 2},  {-2, -2}, {-12, 0}};
+    const double sign = side == Side::left ? 1.0 : -1.0;
+    const auto& spot = spots[(number - 1) % 11];
+    x = sign * spot[0];
+    y = sign * spot[1];
 }
 
 /// The scripted moments, by game time since the kick-off.
@@ -202,6 +210,7 @@ void direct(const StagedGameOptions& options, Shared& shared, const SimServer& s
         trainer.update(100ms);
     }
     const double start = trainer.truth().time;
+    shared.playing = true;
     write_ready(options.ready_file, server);
     Script script(trainer, robots);
     while (!shared.done && !shared.stop) {
