@@ -50,6 +50,23 @@ struct ORVO_API RobotTruth {
     const Pose* part(std::string_view name) const;
 };
 
+/// A foul the server's referee called, as the monitor header announces it.
+struct ORVO_API Foul {
+    /// The referee numbers its fouls from 1 in the order it calls them.
+    int index = 0;
+    /// The referee's kind of foul; see type_name().
+    int type = 0;
+    Side side = Side::left;
+    int number = 0;
+    /// Game time of the message that announced it (s).
+    double time = 0;
+
+    /// "crowding", "touching", "illegal_defence", "illegal_attack",
+    /// "incapable", "kick_off", "charging", "self_collision"; "unknown" for
+    /// a kind this client does not know.
+    std::string_view type_name() const;
+};
+
 struct ORVO_API GroundTruth {
     /// Game time (s): 0 until the kick-off.
     double time = 0;
@@ -61,6 +78,9 @@ struct ORVO_API GroundTruth {
     std::string team_left, team_right;
     /// The robots in the scene's order. The storage is kept between updates.
     std::vector<RobotTruth> robots;
+    /// Every foul announced since the connection opened, in order. A
+    /// connection hears only of the fouls called while it is open.
+    std::vector<Foul> fouls;
 
     std::string_view play_mode_name() const;
 };

@@ -6,6 +6,7 @@
 #include <orvo/monitor/scene_reader.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -42,6 +43,11 @@ public:
     /// the server has closed the connection.
     bool update(std::chrono::milliseconds wait);
 
+    /// Called with every message as it arrives, before it is read: for
+    /// recording the stream. An empty function stops the calls.
+    using Tap = std::function<void(std::string_view message)>;
+    void tap(Tap listener) { tap_ = std::move(listener); }
+
     const GroundTruth& truth() const { return reader_.truth(); }
     const RobotTruth* robot(Side side, int number) const { return reader_.robot(side, number); }
     const SceneReader& reader() const { return reader_; }
@@ -63,6 +69,7 @@ private:
     std::unique_ptr<net::TCPSocket> socket_;
     std::unique_ptr<net::FrameReader> frames_;
     SceneReader reader_;
+    Tap tap_;
     std::string payload_;
     std::string outgoing_;
 };

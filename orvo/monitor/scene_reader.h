@@ -27,8 +27,11 @@ struct ReaderCounts {
 /// "(SLT ...)"). Robots are found by their torso's mesh ("naobody<type>",
 /// which also names type 4, whose materials do not); the torso's materials
 /// give side and number. The ball is the transform holding the ball's mesh.
+/// The header's "(foul INDEX TYPE TEAM NUMBER)" entries are the referee's
+/// fouls.
 ///
-/// Once a scene has been read, updates of that scene allocate nothing.
+/// Once a scene has been read, updates of that scene allocate nothing (but
+/// for the rare header that announces a foul).
 /// A malformed message keeps what was read before the fault.
 class ORVO_API SceneReader {
 public:
@@ -66,6 +69,7 @@ private:
     };
 
     bool read_header(SceneText& text);
+    void read_foul(SceneText& text);
     bool read_scene(SceneText& text, bool whole);
     bool read_node(SceneText& text, int parent, int depth, bool whole);
     bool read_attribute(SceneText& text, std::string_view name, int node, bool whole);

@@ -159,4 +159,38 @@ TEST_F(SampleStream, BrokenMessagesKeepWhatWasKnown) {
     EXPECT_EQ(reader.counts().mismatched, 3); // the cut update and the next two
 }
 
+TEST_F(SampleStream, FoulsInTheHeaderAreKeptOnceEachInOrder) {
+    const std::string body = lines[1].substr(lines[1].find("(RDS 0 1)"));
+    struct Case {
+        const char* header;
+        std::size_t fouls; ///< fouls held after it
+    };
+    const Case cases[] = {
+        {"((time 20.5)(foul 1 4 1 3))", 1}, // incapable, left 3
+        {"((time 20.6)(foul 1 4 1 3))", 1}, // the same foul heard again
+        {"((time 21.0)(foul 2 6 2 7)(foul 3 1 1 2))", 3},
+        {"((time 21.1)(foul 4 1 0 2))", 3},               // no team: not placed
+        {"((time 21.2)(foul 4 x 1 2)(play_mode 13))", 3}, // not a number
+    };
+    for (const Case& c : cases) {
+        reader.read(c.header + body);
+        EXPECT_EQ(reader.truth().fouls.size(), c.fouls) << c.header;
+    }
+    // The rest of a header goes on after a foul that is not one.
+    EXPECT_EQ(reader.truth().play_mode_name(), "Goal_Left");
+    EXPECT_EQ(reader.counts().malformed, 0);
+    const auto& fouls = reader.truth().fouls;
+    ASSERT_EQ(fouls.size(), 3u);
+    EXPECT_EQ(fouls[0].type_name(), "incapable");
+    EXPECT_EQ(fouls[0].side, Side::left);
+    EXPECT_EQ(fouls[0].number, 3);
+    EXPECT_DOUBLE_EQ(fouls[0].time, 20.5);
+    EXPECT_EQ(fouls[1].type_name(), "charging");
+    EXPECT_EQ(fouls[1].side, Side::right);
+    EXPECT_EQ(fouls[2].type_name(), "touching");
+    orvo::monitor::Foul unknown;
+    unknown.type = 8;
+    EXPECT_EQ(unknown.type_name(), "unknown");
+}
+
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "drawing_store.h"
 #include <orvo/protocol/drawing_wire.h>
+#include <orvo/protocol/framing.h>
 
 #include <examples/child_process.h>
 #include <support/loopback.h>
@@ -13,6 +14,7 @@
 #include <boost/asio/ip/udp.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_future.hpp>
+#include <boost/asio/write.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/websocket.hpp>
 
@@ -23,6 +25,7 @@
 #include <fstream>
 #include <future>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -52,10 +55,14 @@ std::string opening(std::uint8_t header) {
 /// clients' operations run on a thread of their own.
 class Viewer : public ::testing::Test {
 protected:
-    void SetUp() override {
-        process.emplace(std::vector<std::string>{VIEWER, "--drawing-port", "0", "--http-port", "0",
-                                                 "--ports-file", "ports", "--svg", "final.svg"},
-                        dir.path.string(), "out.txt", "err.txt");
+    void SetUp() override { start({}); }
+
+    void start(const std::vector<std::string>& more) {
+        std::vector<std::string> arguments{VIEWER,     "--drawing-port", "0",     "--http-port",
+                                           "0",        "--ports-file",   "ports", "--svg",
+                                           "final.svg"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        process.emplace(arguments, dir.path.string(), "out.txt", "err.txt");
         ASSERT_TRUE(orvo_test::wait_for_file("ports", 5s)) << process->error_text();
         unsigned short udp_port = 0, http_port = 0;
         std::ifstream("ports") >> udp_port >> http_port;
@@ -73,6 +80,13 @@ protected:
     /// The operation's result (an error is thrown here); every operation is
     /// bounded by the streams' time limits.
     template <class T> T finish(std::future<T> result) { return result.get(); }
+    /// The same for an operation that has no time limit of its own.
+    template <class T> T within(std::future<T> result) {
+        if (result.wait_for(5s) != std::future_status::ready) {
+            throw std::runtime_error("no answer within 5 s");
+        }
+        return result.get();
+    }
 
     void open_live() {
         beast::get_lowest_layer(live).expires_after(5s);
@@ -165,6 +179,59 @@ TEST(DrawingStore, KeepsABatchBounded) {
     EXPECT_EQ(store.counts().malformed, 10u);
     store.add(reinterpret_cast<const unsigned char*>("\x03\x00\x01"), 3);
     EXPECT_TRUE(store.drawings().at(0x01).empty());
+}
+
+/// The viewer against a monitor port this test plays: the server's recorded
+/// sample, a header of its own, and a server that goes and comes back.
+class ViewerOfAGame : public Viewer {
+protected:
+    void SetUp() override {
+        acceptor.open(asio::ip::tcp::v4());
+        acceptor.bind({asio::ip::address_v4::loopback(), 0});
+        acceptor.listen();
+        start({"--monitor", "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port())});
+        std::ifstream in(MONITOR_SAMPLE);
+        for (std::string line; std::getline(in, line);) {
+            sample.push_back(line);
+        }
+    }
+
+    /// Waits for the viewer's connection and sends it `messages`, each as a frame.
+    asio::ip::tcp::socket serve(const std::vector<std::string>& messages) {
+        auto server = within(acceptor.async_accept(asio::use_future));
+        std::string frames;
+        for (const auto& message : messages) {
+            orvo::protocol::append_frame(frames, message);
+        }
+        asio::write(server, asio::buffer(frames));
+        return server;
+    }
+
+    asio::ip::tcp::acceptor acceptor{io};
+    std::vector<std::string> sample;
+};
+
+TEST_F(ViewerOfAGame, DrawsTheGameAndFollowsTheServerWhenItComesBack) {
+    ASSERT_EQ(sample.size(), 30u);
+    const std::string update = sample[1].substr(sample[1].find("(RDS 0 1)"));
+    auto server = serve({sample[0], "((time 75.3)(score_left 2)(score_right 1))" + update});
+    open_live();
+    // Robot 1 of the left team stands at (-5, 2): 345 px right, 285 px down.
+    picture_with({"data-score-left=\"2\" data-score-right=\"1\"", "data-clock=\"01:15\"",
+                  "data-mode=\"PlayOn\"", "data-team-left=\"probe\"",
+                  "class=\"robot\" data-side=\"left\" data-unum=\"1\"",
+                  "<circle cx=\"345.0\" cy=\"285.0\" r=\"12\"", "class=\"ball\"", "monitor live"});
+
+    server.close();
+    picture_with({"monitor no server ("});
+    server = serve({sample[0]});
+    const std::string picture = picture_with({"monitor live", "data-clock"});
+    EXPECT_EQ(count_of(picture, "class=\"robot\""), 2u);
+
+    process->signal(SIGTERM);
+    EXPECT_EQ(process->wait_for(5s), 0) << process->error_text();
+    EXPECT_NE(process->output_text().find("monitor: 3 messages, live"), std::string::npos)
+        << process->output_text();
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "field_svg.h"
 
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 #include <sstream>
@@ -104,7 +105,55 @@ void write_shape(std::ostream& out, const orvo::protocol::drawing::Shape& shape,
     }
 }
 
+void write_robot(std::ostream& out, const RobotMark& robot) {
+    const float x = to_px_x(robot.x), y = to_px_y(robot.y);
+    const float radians = robot.heading_deg * static_cast<float>(M_PI) / 180.0f;
+    const char* fill = robot.side == 0 ? "#fdd835" : "#1e88e5";
+    out << "<g class=\"robot\" data-side=\"" << (robot.side == 0 ? "left" : "right")
+        << "\" data-unum=\"" << robot.unum << "\" data-fallen=\"" << (robot.fallen ? 1 : 0)
+        << "\">";
+    // The line shows where the robot faces; lying, it faces nowhere.
+    if (!robot.fallen) {
+        out << "<line x1=\"" << x << "\" y1=\"" << y << "\" x2=\"" << x + 20 * std::cos(radians)
+            << "\" y2=\"" << y - 20 * std::sin(radians)
+            << "\" stroke=\"#000000\" stroke-width=\"3\"/>";
+    }
+    out << "<circle cx=\"" << x << "\" cy=\"" << y << "\" r=\"12\" fill=\"" << fill
+        << "\" stroke=\"" << (robot.fallen ? "#d32f2f" : "#000000") << "\" stroke-width=\""
+        << (robot.fallen ? 3 : 1.5) << "\"" << (robot.fallen ? " stroke-dasharray=\"4 3\"" : "")
+        << "/>";
+    out << "<text x=\"" << x << "\" y=\"" << y + 5
+        << "\" font-family=\"sans-serif\" font-size=\"14\" font-weight=\"bold\" "
+           "text-anchor=\"middle\">"
+        << robot.unum << "</text></g>\n";
+}
+
+void write_game(std::ostream& out, const GameMarks& game) {
+    for (const auto& robot : game.robots) {
+        write_robot(out, robot);
+    }
+    out << "<circle class=\"ball\" cx=\"" << to_px_x(game.ball_x) << "\" cy=\""
+        << to_px_y(game.ball_y)
+        << "\" r=\"6\" fill=\"#ffffff\" stroke=\"#000000\" stroke-width=\"1.5\"/>\n";
+}
+
+/// What the page's header shows, as attributes of the picture.
+void write_game_attributes(std::ostream& out, const GameMarks& game) {
+    out << " data-clock=\"" << clock_text(game.time) << "\" data-half=\"" << game.half
+        << "\" data-mode=\"" << escaped(game.play_mode) << "\" data-team-left=\""
+        << escaped(game.team_left) << "\" data-team-right=\"" << escaped(game.team_right)
+        << "\" data-score-left=\"" << game.score_left << "\" data-score-right=\""
+        << game.score_right << '"';
+}
+
 } // namespace
+
+std::string clock_text(double seconds) {
+    const long whole = seconds > 0 ? static_cast<long>(seconds) : 0;
+    char text[32];
+    std::snprintf(text, sizeof text, "%02ld:%02ld", whole / 60, whole % 60);
+    return text;
+}
 
 std::string field_svg(const FieldPicture& picture) {
     std::ostringstream out;
@@ -113,9 +162,16 @@ std::string field_svg(const FieldPicture& picture) {
     const float width = (field_length + 2 * margin) * scale;
     const float height = (field_width + 2 * margin) * scale;
     out << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" << width << "\" height=\"" << height
-        << "\" viewBox=\"0 0 " << width << ' ' << height << "\">\n";
-    out << "<title>" << escaped(picture.title) << "</title>\n";
+        << "\" viewBox=\"0 0 " << width << ' ' << height << '"';
+    if (picture.game) {
+        write_game_attributes(out, *picture.game);
+    }
+    out << ">\n<title>" << escaped(picture.title) << "</title>\n";
     write_field(out);
+    // The truth first: what the agents believe is drawn over it.
+    if (picture.game) {
+        write_game(out, *picture.game);
+    }
     // Cells first, so that lines, points and players stay visible on top.
     for (const orvo::protocol::drawing::Kind layer :
          {orvo::protocol::drawing::Kind::polygon, orvo::protocol::drawing::Kind::line,
@@ -138,7 +194,8 @@ std::string field_svg(const FieldPicture& picture) {
             << "\" font-family=\"sans-serif\" font-size=\"11\" text-anchor=\"middle\">"
             << player.unum << "</text></g>\n";
     }
-    out << "<text x=\"8\" y=\"18\" font-family=\"sans-serif\" font-size=\"14\" fill=\"#ffffff\">"
+    out << "<text class=\"caption\" x=\"8\" y=\"18\" font-family=\"sans-serif\" font-size=\"14\" "
+           "fill=\"#ffffff\">"
         << escaped(picture.caption) << "</text>\n";
     out << "</svg>\n";
     return out.str();

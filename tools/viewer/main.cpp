@@ -1,9 +1,11 @@
-// orvo_viewer: the agents' debug drawings, live in a browser. See --help.
+// orvo_viewer: the agents' debug drawings, and the game a real server plays
+// under them, live in a browser. See --help.
 
 #include "drawing_listener.h"
 #include "drawing_store.h"
 #include "field_svg.h"
 #include "live_page.h"
+#include "monitor_feed.h"
 
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -27,6 +29,9 @@ Shows the agents' debug drawings live: listens for their drawing datagrams on
 a UDP port (the drawing port of their configuration) and serves a page on
 127.0.0.1 with the field and every agent's latest drawings, updated as they
 arrive (at most 25 times a second). The page needs nothing but this program.
+With --monitor it also follows a simulation server's monitor port and draws
+the game as the server has it: robots with side and number, the ball, score,
+play mode and clock, with the agents' drawings (what they believe) on top.
 Stops on SIGINT or SIGTERM and prints what it received; SIGUSR1 writes the
 --svg picture at once.
 
@@ -35,6 +40,8 @@ options:
   --listen ADDRESS   address the UDP port is bound to (default 127.0.0.1; 0.0.0.0
                      takes drawings from other machines too)
   --http-port N      port of the page on 127.0.0.1 (default 15080; 0 picks a free one)
+  --monitor HOST:PORT  the server's monitor port (e.g. 127.0.0.1:3200); the
+                     viewer connects again while the server is not there
   --svg FILE         write the picture there at the end (and on SIGUSR1)
   --ports-file FILE  write "UDP-PORT HTTP-PORT" there once listening
   --seconds S        stop by itself after S seconds
@@ -47,6 +54,8 @@ struct Options {
     unsigned http_port = 15080;
     std::string svg_path;
     std::string ports_file;
+    std::string monitor_host;
+    int monitor_port = 0;
     double seconds = 0;
 };
 
@@ -92,6 +101,14 @@ Options parse(int argc, char** argv) {
             options.http_port = to_port(option, value);
         } else if (option == "--svg") {
             options.svg_path = value;
+        } else if (option == "--monitor") {
+            const std::string address = value;
+            const auto colon = address.rfind(':');
+            if (colon == std::string::npos || colon == 0) {
+                throw std::invalid_argument(option + ": not HOST:PORT: " + address);
+            }
+            options.monitor_host = address.substr(0, colon);
+            options.monitor_port = static_cast<int>(to_port(option, address.c_str() + colon + 1));
         } else if (option == "--ports-file") {
             options.ports_file = value;
         } else if (option == "--seconds") {
@@ -132,6 +149,10 @@ public:
                              store, [this] { page->changed(); });
             page.emplace(io, static_cast<unsigned short>(options.http_port),
                          [this] { return field_view::field_svg(picture()); });
+            if (!options.monitor_host.empty()) {
+                feed.emplace(options.monitor_host, options.monitor_port,
+                             [this] { page->changed(); });
+            }
             if (!options.ports_file.empty()) {
                 write_ports(options.ports_file, listener->port(), page->port());
             }
@@ -180,16 +201,23 @@ public:
                   << " malformed, " << listener->overflowed() << " dropped by the system\n"
                   << "agents drawing: " << drawing_agents(store) << '\n'
                   << "page: " << page->pushes() << " pictures pushed\n";
+        if (feed) {
+            std::cout << "monitor: " << feed->messages() << " messages, " << feed->state() << '\n';
+        }
     }
 
 private:
     field_view::FieldPicture picture() const {
         field_view::FieldPicture result;
-        result.title = "orvo drawings";
+        result.title = feed ? "orvo live" : "orvo drawings";
         const auto& counts = store.counts();
         result.caption = std::to_string(drawing_agents(store)) + " agents drawing, " +
                          std::to_string(counts.datagrams) + " datagrams, " +
                          std::to_string(counts.malformed) + " malformed";
+        if (feed) {
+            result.game = feed->game();
+            result.caption = "monitor " + feed->state() + ", " + result.caption;
+        }
         result.drawings = store.drawings();
         return result;
     }
@@ -210,6 +238,9 @@ private:
     }
 
     void stop() {
+        if (feed) {
+            feed->stop(); // before the page it tells of changes
+        }
         signals.cancel();
         deadline.cancel();
         listener->stop();
@@ -222,6 +253,7 @@ private:
     field_view::DrawingStore store;
     std::optional<field_view::DrawingListener> listener;
     std::optional<field_view::LivePage> page;
+    std::optional<viewer::MonitorFeed> feed;
     boost::asio::steady_timer deadline{io};
     boost::asio::signal_set signals{io, SIGINT, SIGTERM, SIGUSR1};
     bool svg_failed = false;

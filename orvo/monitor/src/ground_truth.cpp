@@ -26,6 +26,15 @@ const Pose* RobotTruth::part(std::string_view name) const {
     return nullptr;
 }
 
+std::string_view Foul::type_name() const {
+    // The referee's own order of its kinds of foul.
+    static constexpr std::string_view names[] = {
+        "crowding",  "touching", "illegal_defence", "illegal_attack",
+        "incapable", "kick_off", "charging",        "self_collision"};
+    constexpr int count = static_cast<int>(sizeof names / sizeof names[0]);
+    return type >= 0 && type < count ? names[type] : "unknown";
+}
+
 std::string_view GroundTruth::play_mode_name() const {
     return monitor::play_mode_name(play_mode);
 }

@@ -53,6 +53,9 @@ bool MonitorClient::update(std::chrono::milliseconds wait) {
         if (got == net::Received::timed_out) {
             return changed;
         }
+        if (tap_) {
+            tap_(payload_);
+        }
         changed = reader_.read(payload_) || changed;
         wait = std::chrono::milliseconds::zero(); // the rest: only what is there
     }

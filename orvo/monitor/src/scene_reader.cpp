@@ -71,6 +71,8 @@ bool SceneReader::read_header(SceneText& text) {
             assign(truth_.score_right, value, changed_);
         } else if (name == "half" && text.number(value)) {
             assign(truth_.half, value, changed_);
+        } else if (name == "foul") {
+            read_foul(text);
         } else if (name == "team_left") {
             assign_text(truth_.team_left, text.word(), changed_);
         } else if (name == "team_right") {
@@ -81,6 +83,24 @@ bool SceneReader::read_header(SceneText& text) {
         }
     }
     return text.take(')');
+}
+
+void SceneReader::read_foul(SceneText& text) {
+    // "(foul INDEX TYPE TEAM NUMBER)", the team 1 for left and 2 for right.
+    Foul foul;
+    int team = 0;
+    if (!text.number(foul.index) || !text.number(foul.type) || !text.number(team) ||
+        !text.number(foul.number) || (team != 1 && team != 2)) {
+        return; // not a foul this client can place: the header goes on
+    }
+    foul.side = team == 1 ? Side::left : Side::right;
+    // The header names the time before the fouls; a foul heard again (a
+    // stream read twice) is not a second foul.
+    foul.time = truth_.time;
+    if (truth_.fouls.empty() || foul.index > truth_.fouls.back().index) {
+        truth_.fouls.push_back(foul);
+        changed_ = true;
+    }
 }
 
 bool SceneReader::read_scene(SceneText& text, bool whole) {
