@@ -113,18 +113,20 @@ if [ "$build" = yes ]; then
   scripts/install-deps.sh
   cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo > /dev/null
   cmake --build "$build_dir" -j "$(nproc)" --target orvo_host orvo_demo orvo_standin_server \
-    orvo_viewer orvo_simserver_cli orvo_trainer_cli orvo_await_link_cli
+    orvo_viewer orvo_simserver_cli orvo_trainer_cli orvo_await_link_cli orvo_monitor_record \
+    orvo_game_stats_cli
 fi
 host=$build_dir/examples/host/orvo_host
 server=$build_dir/tools/standin_server/orvo_standin_server
 viewer=$build_dir/tools/viewer/orvo_viewer
 tools=$build_dir/tools/simserver
+stats=$build_dir/tools/game_stats
 plugins=$build_dir/examples/demo
 needed=("$host" "$plugins/libdemo.demo.so" "$tools/orvo_trainer" "$tools/orvo_await_link")
 if [ -n "$external" ]; then
   needed+=("$viewer")
 elif [ "$real" = yes ]; then
-  needed+=("$viewer" "$tools/orvo_simserver")
+  needed+=("$viewer" "$tools/orvo_simserver" "$stats/orvo_monitor_record" "$stats/orvo_game_stats")
 else
   needed+=("$server")
 fi
@@ -192,6 +194,7 @@ wait_connected() {
 rm -rf "$run"
 mkdir -p "$run"
 simserver_pid=
+recorder_pid=
 if [ "$real" = yes ]; then
   # A real server of the demo's own on free ports, in real time unless --sync.
   pace=(--realtime)
@@ -203,6 +206,12 @@ if [ "$real" = yes ]; then
   await_ports "$run/server-ready" "$run/simserver.txt" "the real simulation server"
   read -r _ tcp_port monitor_port < "$run/server-ready"
   external=127.0.0.1:$tcp_port
+  # The monitor's record of the whole game: the score, falls and fouls come
+  # from it, never from what the agents believe.
+  "$stats/orvo_monitor_record" --monitor "127.0.0.1:$monitor_port" --out "$run/game.txt" \
+    > "$run/recorder.txt" 2>&1 &
+  recorder_pid=$!
+  pids+=("$recorder_pid")
   echo "== a real simulation server on port $tcp_port ($([ ${#sync[@]} = 0 ] && echo real time ||
     echo sync mode)); --standin plays the stand-in"
 fi
@@ -218,7 +227,7 @@ if [ -n "$external" ]; then
   # A real server takes no drawings: the agents send theirs to the drawing
   # viewer on this machine instead, at a port it picked.
   "$viewer" --drawing-port 0 --http-port 0 --ports-file "$run/viewer-ports" \
-    --svg "$run/field.svg" > "$run/viewer.txt" 2>&1 &
+    --monitor "$server_host:$monitor_port" --svg "$run/field.svg" > "$run/viewer.txt" 2>&1 &
   viewer_pid=$!
   pids+=("$viewer_pid")
   await_ports "$run/viewer-ports" "$run/viewer.txt" "the drawing viewer"
@@ -259,6 +268,10 @@ fi
 # since each has its own settings (its robot type).
 outputs=()
 agent_pids=()
+gate=
+if [ "$real" = yes ] && [ ${#sync[@]} != 0 ]; then
+  exec {gate}> "$run/sync.lock"
+fi
 team_names=(orvo rivals)
 for ((t = 0; t < teams; t++)); do
   team=${team_names[$t]}
@@ -275,6 +288,13 @@ for ((t = 0; t < teams; t++)); do
     sed -i "s/^drawing_port .*/drawing_port $udp_port/" "$dir/config/server.cfg"
     [ -z "$drawing_host" ] || echo "drawing_host $drawing_host" >> "$dir/config/server.cfg"
     echo "play $play" >> "$dir/config/server.cfg"
+    [ -z "$gate" ] || echo "sync_lock $run/sync.lock" >> "$dir/config/server.cfg"
+    if [ -n "$gate" ]; then
+      # The others hold their "(syn)" while this one connects (the agents'
+      # sync gate): a robot that connects mid-cycle can stall the server.
+      flock -x "$gate"
+      sleep 0.03
+    fi
     (cd "$dir" && LD_LIBRARY_PATH=$plugins${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH} \
       exec ./demo > output.txt 2>&1) &
     agent_pids+=($!)
@@ -282,6 +302,10 @@ for ((t = 0; t < teams; t++)); do
     outputs+=("$dir/output.txt")
     if ! wait_connected $!; then
       echo "demo.sh: $team/$n did not connect to the server" >&2
+    fi
+    if [ -n "$gate" ]; then
+      sleep 0.03
+      flock -u "$gate"
     fi
     sleep "$gap"
   done
@@ -297,6 +321,9 @@ kicked_off_at=$(date +%s.%N)
 failed=0
 gone=0
 budget=$(((cycles / 25 + 30) * slowdown))
+# Twenty-two robots on a real server may run at a tenth of real time on a
+# small machine: the server's clock, not the wall's, bounds the game.
+[ -z "$external" ] || budget=$((cycles / 5 + 60))
 for index in "${!agent_pids[@]}"; do
   status=0
   wait_for "${agent_pids[$index]}" "$budget" || status=$?
@@ -312,6 +339,10 @@ for index in "${!agent_pids[@]}"; do
   fi
 done
 ended_at=$(date +%s.%N)
+if [ -n "$recorder_pid" ]; then
+  kill -INT "$recorder_pid" 2> /dev/null || true
+  wait_for "$recorder_pid" 10 || echo "demo.sh: the monitor recorder did not stop cleanly" >&2
+fi
 if [ -n "$simserver_pid" ]; then
   if ! kill -0 "$simserver_pid" 2> /dev/null; then
     echo "demo.sh: the real simulation server ended during the game:" >&2
@@ -367,6 +398,12 @@ if [ -n "$viewer_pid" ]; then
   grep -v "^orvo_viewer:" "$run/viewer.txt" || true
 fi
 [ ! -e "$run/field.svg" ] || { echo; echo "== picture of the field: $run/field.svg"; }
+if [ -s "$run/game.txt" ]; then
+  echo
+  echo "== the game by the server's monitor (score, falls, fouls; plot $run/game.svg)"
+  "$stats/orvo_game_stats" "$run/game.txt" --table "$run/game.md" --plot "$run/game.svg" \
+    > /dev/null && cat "$run/game.md" || echo "demo.sh: no statistics of the game" >&2
+fi
 if [ $failed -eq 0 ]; then
   echo
   awk -v c="$cycles" -v a="$kicked_off_at" -v b="$ended_at" 'BEGIN {

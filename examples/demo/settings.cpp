@@ -96,6 +96,8 @@ void read_settings(std::istream& in, const std::string& file, Settings& settings
             settings.wait = number(file, line, key, value, 1, 3600, "a number of seconds");
         } else if (key == "motions") {
             settings.motions = value;
+        } else if (key == "sync_lock") {
+            settings.sync_lock = value;
         } else if (key == "play") {
             settings.play = number(file, line, key, value, 0, 1, "0 or 1") == 1;
         } else {

@@ -29,6 +29,9 @@ struct Settings {
     /// keeps a formation), which only a server with physics can show; 0: it
     /// holds the places it spread out to.
     bool play = false;
+    /// A lock file shared with whoever starts the agents of a server in sync
+    /// mode (see SyncGate); empty: none.
+    std::string sync_lock;
 };
 
 /// Reads "key value" lines into `settings`; "#" starts a comment, blank lines

@@ -57,6 +57,7 @@ void TeamAgent::run() {
     const int yes = 1;
     setsockopt(communit->get_socket().getFD(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
 
+    gate.open(settings.sync_lock);
     // The robot comes onto the field now; it joins the team with the first perception.
     char scene[64];
     std::snprintf(scene, sizeof scene, "(scene rsg/agent/nao/nao_hetero.rsg %u)", settings.type);
@@ -112,6 +113,7 @@ void TeamAgent::play(const std::string& message) {
         act();
     }
     world->drawings().execute();
+    const SyncGate::Pass pass(gate);
     messenger->send_message("(syn)");
 }
 

@@ -2,6 +2,7 @@
 #define ORVO_DEMO_TEAM_AGENT_H
 
 #include "server_clock.h"
+#include "sync_gate.h"
 
 #include <orvo/core/agent.h>
 #include <orvo/perception/perception.h>
@@ -64,6 +65,7 @@ private:
     orvo::perception::PerceptionReader reader;
     orvo::perception::Perception perception;
     ServerClock clock;
+    SyncGate gate;
     bool kicked_off = false;
     unsigned before_kick_off = 0; ///< server cycles from the first perception to the kick-off
     bool joined = false;          ///< "init" sent
