@@ -9,6 +9,8 @@ namespace orvo::drill {
 /// returns the program's exit status.
 extern const char* const walk_usage;
 int run_walk(Arguments& arguments);
+extern const char* const kick_usage;
+int run_kick(Arguments& arguments);
 
 /// Fails with a clear message when no server can be started here and none is
 /// given.

@@ -18,6 +18,7 @@ struct Drill {
 
 const Drill drills[] = {
     {"walk", orvo::drill::walk_usage, orvo::drill::run_walk},
+    {"kick", orvo::drill::kick_usage, orvo::drill::run_kick},
 };
 
 void print_usage() {

@@ -42,20 +42,6 @@ struct WalkOptions {
     double to_y = 0;
 };
 
-std::string joint_command(const walk::Walker& walker) {
-    std::string command;
-    char part[48];
-    for (std::size_t i = 0; i < robot::joint_count; ++i) {
-        if (walker.joints().test(i)) {
-            const auto& joint = robot::joint_table()[i];
-            std::snprintf(part, sizeof part, "(%.*s %.4f)", static_cast<int>(joint.effector.size()),
-                          joint.effector.data(), walker.speeds()[i]);
-            command += part;
-        }
-    }
-    return command;
-}
-
 walk::Velocity random_velocity(const walk::WalkParams& params, std::mt19937& random) {
     auto pick = [&random](double low, double high) {
         return std::uniform_real_distribution<double>(low, high)(random);
@@ -112,7 +98,7 @@ struct Cycle {
     void operator()() {
         const auto begin = std::chrono::steady_clock::now();
         walker.update(trial.perception());
-        const std::string command = joint_command(walker);
+        const std::string command = joint_command(walker.joints(), walker.speeds());
         agent_us.push_back(
             std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin)
                 .count());
