@@ -29,7 +29,10 @@ struct KickPose {
 /// support foot, the kicking foot lifts and draws back, swings through past
 /// the ball, draws back, sets down, and the hips return to the stand. Between
 /// its key poses it moves smoothly (no speed at a key pose), except through
-/// the swing, which keeps its speed up to the end.
+/// the swing, which goes from the drawn-back to the swung-through pose in the
+/// joints' angles at one speed: every joint runs at its own constant speed,
+/// hip and knee together, and the foot meets the ball low and at its fastest
+/// mid-swing rather than along a straight line no joint could follow.
 class ORVO_API KickMotion {
 public:
     static constexpr std::size_t key_count = 7;
@@ -43,6 +46,9 @@ public:
     double duration() const;
     /// The pose `seconds` after the start (held at the ends).
     KickPose at(double seconds) const;
+    /// The joint angles (deg) of both legs `seconds` after the start, into
+    /// `angles`; false when a pose was out of reach.
+    bool angles(const body::BodyModel& model, double seconds, robot::JointValues& angles) const;
     /// The swing's start and end, seconds after the start.
     double swing_begins() const;
     double swing_ends() const { return swing_begins() + params_.swing_time; }

@@ -64,6 +64,16 @@ void trace(const Trial& trial, const kick::Kicker& kicker) {
             }
         }
     }
+    using robot::Joint;
+    const auto& seen_joints = trial.perception().joints;
+    const bool left = kicker.kicking() == walk::Side::left;
+    const Joint hip = left ? Joint::left_hip_pitch : Joint::right_hip_pitch;
+    const Joint knee = left ? Joint::left_knee_pitch : Joint::right_knee_pitch;
+    const Joint ankle = left ? Joint::left_ankle_pitch : Joint::right_ankle_pitch;
+    std::fprintf(stderr, "joints hip %.1f>%.1f knee %.1f>%.1f ankle %.1f>%.1f\n", seen_joints[hip],
+                 kicker.targets()[robot::index(hip)], seen_joints[knee],
+                 kicker.targets()[robot::index(knee)], seen_joints[ankle],
+                 kicker.targets()[robot::index(ankle)]);
     std::fprintf(stderr, "feet %.3f %.3f %.3f  %.3f %.3f %.3f\n", feet[0], feet[1], feet[2],
                  feet[3], feet[4], feet[5]);
     std::fprintf(stderr,
@@ -118,8 +128,17 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const Ball from = ball_of(trial);
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
+    nlohmann::json at_kick;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
+        if (at_kick.is_null() && kicker.phase() == kick::KickPhase::kick) {
+            // Where the ball truly lay from the torso as the kick began.
+            trial.catch_up();
+            const Ball ball = ball_of(trial);
+            const FieldPose seen =
+                relative_to(trial.pose().value_or(start), FieldPose{ball.x, ball.y, 0});
+            at_kick = {seen.x, seen.y};
+        }
     }
     trial.catch_up();
     const double seconds = trial.game_time() - start_time;
@@ -138,6 +157,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     result["upright"] = !trial.down();
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
     result["ball_from"] = {from.x, from.y};
+    result["ball_at_kick"] = at_kick;
     result["ball_to"] = {to.x, to.y};
     return result;
 }

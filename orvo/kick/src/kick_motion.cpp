@@ -14,12 +14,6 @@ double smooth(double share) {
     return share * share * (3 - 2 * share);
 }
 
-/// 0 to 1 starting at rest and ending at full speed: the swing hits the ball
-/// at its fastest.
-double accelerating(double share) {
-    return share * share;
-}
-
 double mix(double from, double to, double share) {
     return from + (to - from) * share;
 }
@@ -66,7 +60,7 @@ KickPose KickMotion::at(double seconds) const {
         return pose(keys_.back());
     }
     const double share = times_[phase] > 0 ? t / times_[phase] : 1;
-    const double s = phase == 2 ? accelerating(share) : smooth(share);
+    const double s = phase == 2 ? share : smooth(share);
     const Key& a = keys_[phase];
     const Key& b = keys_[phase + 1];
     return pose({mix(a.x, b.x, s), mix(a.z, b.z, s), mix(a.out, b.out, s), mix(a.shift, b.shift, s),
@@ -90,6 +84,22 @@ KickPose KickMotion::pose(const Key& key) const {
     pose.toe_down = key.toe_down;
     pose.arm_out = params_.arm_out * key.shift;
     return pose;
+}
+
+bool KickMotion::angles(const body::BodyModel& model, double seconds,
+                        robot::JointValues& angles) const {
+    const double begins = swing_begins();
+    if (seconds <= begins || seconds >= swing_ends()) {
+        return pose_legs(model, at(seconds), kicking_, angles);
+    }
+    robot::JointValues through = angles;
+    const bool reached = pose_legs(model, pose(keys_[3]), kicking_, through) &&
+                         pose_legs(model, pose(keys_[2]), kicking_, angles);
+    const double share = (seconds - begins) / params_.swing_time;
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        angles[i] = mix(angles[i], through[i], share);
+    }
+    return reached;
 }
 
 bool pose_legs(const body::BodyModel& model, const KickPose& pose, walk::Side kicking,

@@ -159,8 +159,9 @@ void Kicker::follow_walker(const perception::Perception& perception) {
 
 void Kicker::move(const perception::Perception& perception) {
     using robot::Joint;
-    const KickPose pose = motion_->at(clock_ - since_);
-    (void)pose_legs(model_, pose, side_, targets_);
+    const double t = clock_ - since_;
+    const KickPose pose = motion_->at(t);
+    (void)motion_->angles(model_, t, targets_);
     const auto& walk = walker_.params();
     const double out = walk::sign(side_) * pose.arm_out;
     targets_[robot::index(Joint::left_shoulder_pitch)] = walk.arm_pitch;
