@@ -62,6 +62,7 @@ private:
         double out = 0;
         double shift = 0;
         double toe_down = 0;
+        double lunge = 0;
     };
     KickPose pose(const Key& key) const;
 

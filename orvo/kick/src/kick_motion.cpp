@@ -25,13 +25,13 @@ KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, 
     : params_(params), stand_(stand), hip_width_(hip_width), kicking_(kicking) {
     const KickParams& p = params;
     keys_ = {{
-        {0, 0, 0, 0, 0},                                   // the walk's stand
-        {0, 0, 0, 1, 0},                                   // over the support foot
-        {-p.back_x, p.lift_z, p.out_y, 1, 0},              // drawn back
-        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch}, // swung through
-        {0, p.lift_z, p.out_y, 1, 0},                      // drawn back under the hips
-        {0, 0, 0, 1, 0},                                   // set down
-        {0, 0, 0, 0, 0},                                   // back in the stand
+        {0, 0, 0, 0, 0, 0},                                         // the walk's stand
+        {0, 0, 0, 1, 0, 0},                                         // over the support foot
+        {-p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0},         // drawn back
+        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge}, // swung through
+        {0, p.lift_z, p.out_y, 1, 0, 0},                            // drawn back under the hips
+        {0, 0, 0, 1, 0, 0},                                         // set down
+        {0, 0, 0, 0, 0, 0},                                         // back in the stand
     }};
     times_ = {p.shift_time,   p.lift_time,  p.swing_time,
               p.retract_time, p.lower_time, p.unshift_time};
@@ -64,7 +64,7 @@ KickPose KickMotion::at(double seconds) const {
     const Key& a = keys_[phase];
     const Key& b = keys_[phase + 1];
     return pose({mix(a.x, b.x, s), mix(a.z, b.z, s), mix(a.out, b.out, s), mix(a.shift, b.shift, s),
-                 mix(a.toe_down, b.toe_down, s)});
+                 mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s)});
 }
 
 KickPose KickMotion::pose(const Key& key) const {
@@ -78,7 +78,9 @@ KickPose KickMotion::pose(const Key& key) const {
     walk::SoleTarget& kick = kicking_ == walk::Side::left ? pose.left : pose.right;
     walk::SoleTarget& support = kicking_ == walk::Side::left ? pose.right : pose.left;
     kick.position = {stand_.foot_x + key.x, k * (line + key.out) + shift, key.z - height};
-    support.position = {stand_.foot_x, -k * line + shift, -height};
+    // The hips lunge forward over the support foot as the kicking leg swings,
+    // and carry it with them.
+    support.position = {stand_.foot_x - key.lunge, -k * line + shift, -height};
     pose.attitude.pitch = mix(stand_.lean, params_.lean, key.shift);
     pose.attitude.roll = -k * params_.support_roll * key.shift;
     pose.toe_down = key.toe_down;

@@ -31,10 +31,12 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(back_x);
     ORVO_KICK_PARAM(lift_z);
     ORVO_KICK_PARAM(out_y);
+    ORVO_KICK_PARAM(back_pitch);
     ORVO_KICK_PARAM(swing_time);
     ORVO_KICK_PARAM(swing_x);
     ORVO_KICK_PARAM(swing_z);
     ORVO_KICK_PARAM(swing_pitch);
+    ORVO_KICK_PARAM(lunge);
     ORVO_KICK_PARAM(retract_time);
     ORVO_KICK_PARAM(lower_time);
     ORVO_KICK_PARAM(unshift_time);
