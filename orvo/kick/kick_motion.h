@@ -19,6 +19,10 @@ struct KickPose {
     walk::Attitude attitude;
     double toe_down = 0; ///< the kicking foot's ankle pitched toes down, degrees
     double arm_out = 0;  ///< the kicking side's shoulder rolled outward, degrees
+    /// The arms swing against the legs, as in a step: the kicking side's
+    /// back, the other forward, which takes up the turn the swinging leg
+    /// gives the body about the support foot. Shoulder pitch, degrees.
+    double arm_swing = 0;
 
     const walk::SoleTarget& sole(walk::Side side) const {
         return side == walk::Side::left ? left : right;
@@ -63,6 +67,7 @@ private:
         double shift = 0;
         double toe_down = 0;
         double lunge = 0;
+        double arms = 0; ///< share of the arms' swing
     };
     KickPose pose(const Key& key) const;
 

@@ -46,12 +46,14 @@ struct ORVO_API KickParams {
     double swing_z = 0;     ///< and above the ground
     double swing_pitch = 0; ///< toes down during the swing (ankle, degrees)
     double lunge = 0;       ///< hips forward over the support foot at the end of the swing
+    double swing_lean = 0;  ///< torso pitched forward by the support hip through the swing, degrees
     double retract_time = 0;
     double lower_time = 0;
     double unshift_time = 0;
     double support_roll = 0; ///< torso rolled over the support foot, degrees
     double lean = 0;         ///< torso pitched forward during the kick
     double arm_out = 0;      ///< shoulder roll outward on the kicking side, for balance
+    double arm_swing = 0;    ///< shoulder pitch: kicking side back, the other forward
     double joint_p = 0;
     double joint_d = 0;
     double rest_time = 0; ///< standing after the kick before it counts as done

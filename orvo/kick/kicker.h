@@ -67,7 +67,7 @@ private:
     void plan();
     void approach();
     void settle();
-    void move(const perception::Perception& perception);
+    void move();
     void follow_walker(const perception::Perception& perception);
 
     body::BodyModel model_;

@@ -22,8 +22,9 @@ namespace {
 
 constexpr double radians_per_degree = 0.017453292519943295;
 constexpr double ball_radius = 0.042;
-constexpr double robot_height = 0.4; ///< where the trainer puts the torso, settling to 0.38
-constexpr double behind = 1;         ///< robot behind the ball, metres
+constexpr double robot_height = 0.4; ///< where the trainer puts a torso not seen yet
+constexpr double height_margin = 0.005;
+constexpr double behind = 1; ///< robot behind the ball, metres
 constexpr double stand_seconds = 1;
 /// The ball counts as resting once it moved less than this in a check.
 constexpr double rest_check_seconds = 0.2;
@@ -107,7 +108,11 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const FieldPose spot{kick.ball_x - behind, kick.ball_y, 0};
     Trial trial(options, spot);
     trial.monitor().place_ball(kick.ball_x, kick.ball_y, ball_radius);
-    trial.monitor().place_robot(monitor::Side::left, trial.number(), spot.x, spot.y, robot_height,
+    // At the height the beam gave it: the types stand at different heights,
+    // and a torso put lower than that pushes the feet into the ground.
+    trial.catch_up();
+    const double height = trial.height() > 0 ? trial.height() + height_margin : robot_height;
+    trial.monitor().place_robot(monitor::Side::left, trial.number(), spot.x, spot.y, height,
                                 spot.heading);
     kick::Kicker kicker(body::BodyModel::for_type(options.type), walk, params);
     const auto cycle = [&] {

@@ -25,13 +25,13 @@ KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, 
     : params_(params), stand_(stand), hip_width_(hip_width), kicking_(kicking) {
     const KickParams& p = params;
     keys_ = {{
-        {0, 0, 0, 0, 0, 0},                                         // the walk's stand
-        {0, 0, 0, 1, 0, 0},                                         // over the support foot
-        {-p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0},         // drawn back
-        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge}, // swung through
-        {0, p.lift_z, p.out_y, 1, 0, 0},                            // drawn back under the hips
-        {0, 0, 0, 1, 0, 0},                                         // set down
-        {0, 0, 0, 0, 0, 0},                                         // back in the stand
+        {0, 0, 0, 0, 0, 0, 0},                                         // the walk's stand
+        {0, 0, 0, 1, 0, 0, 0},                                         // over the support foot
+        {-p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0},         // drawn back
+        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1}, // swung through
+        {0, p.lift_z, p.out_y, 1, 0, 0, 1},                            // drawn back under the hips
+        {0, 0, 0, 1, 0, 0, 0},                                         // set down
+        {0, 0, 0, 0, 0, 0, 0},                                         // back in the stand
     }};
     times_ = {p.shift_time,   p.lift_time,  p.swing_time,
               p.retract_time, p.lower_time, p.unshift_time};
@@ -64,7 +64,7 @@ KickPose KickMotion::at(double seconds) const {
     const Key& a = keys_[phase];
     const Key& b = keys_[phase + 1];
     return pose({mix(a.x, b.x, s), mix(a.z, b.z, s), mix(a.out, b.out, s), mix(a.shift, b.shift, s),
-                 mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s)});
+                 mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s), mix(a.arms, b.arms, s)});
 }
 
 KickPose KickMotion::pose(const Key& key) const {
@@ -85,6 +85,7 @@ KickPose KickMotion::pose(const Key& key) const {
     pose.attitude.roll = -k * params_.support_roll * key.shift;
     pose.toe_down = key.toe_down;
     pose.arm_out = params_.arm_out * key.shift;
+    pose.arm_swing = params_.arm_swing * key.arms;
     return pose;
 }
 
@@ -101,6 +102,11 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         angles[i] = mix(angles[i], through[i], share);
     }
+    // The support hip pitches the torso forward through the swing: the
+    // kicking thigh, hung from the torso, turns that much faster.
+    const robot::Joint support_hip =
+        kicking_ == walk::Side::left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
+    angles[robot::index(support_hip)] += params_.swing_lean * share;
     return reached;
 }
 

@@ -37,12 +37,14 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(swing_z);
     ORVO_KICK_PARAM(swing_pitch);
     ORVO_KICK_PARAM(lunge);
+    ORVO_KICK_PARAM(swing_lean);
     ORVO_KICK_PARAM(retract_time);
     ORVO_KICK_PARAM(lower_time);
     ORVO_KICK_PARAM(unshift_time);
     ORVO_KICK_PARAM(support_roll);
     ORVO_KICK_PARAM(lean);
     ORVO_KICK_PARAM(arm_out);
+    ORVO_KICK_PARAM(arm_swing);
     ORVO_KICK_PARAM(joint_p);
     ORVO_KICK_PARAM(joint_d);
     ORVO_KICK_PARAM(rest_time);

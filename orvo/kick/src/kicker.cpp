@@ -157,15 +157,17 @@ void Kicker::follow_walker(const perception::Perception& perception) {
     previous_ = targets_;
 }
 
-void Kicker::move(const perception::Perception& perception) {
+void Kicker::move() {
     using robot::Joint;
     const double t = clock_ - since_;
     const KickPose pose = motion_->at(t);
     (void)motion_->angles(model_, t, targets_);
     const auto& walk = walker_.params();
-    const double out = walk::sign(side_) * pose.arm_out;
-    targets_[robot::index(Joint::left_shoulder_pitch)] = walk.arm_pitch;
-    targets_[robot::index(Joint::right_shoulder_pitch)] = walk.arm_pitch;
+    const double out_sign = walk::sign(side_);
+    const double out = out_sign * pose.arm_out;
+    targets_[robot::index(Joint::left_shoulder_pitch)] = walk.arm_pitch - out_sign * pose.arm_swing;
+    targets_[robot::index(Joint::right_shoulder_pitch)] =
+        walk.arm_pitch + out_sign * pose.arm_swing;
     targets_[robot::index(Joint::left_shoulder_roll)] = walk.arm_roll + std::max(out, 0.0);
     targets_[robot::index(Joint::right_shoulder_roll)] = -walk.arm_roll + std::min(out, 0.0);
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
@@ -173,7 +175,6 @@ void Kicker::move(const perception::Perception& perception) {
     }
     previous_ = targets_;
     controller_.step(targets_, rates_, angles_, joints(), speeds_);
-    (void)perception;
 }
 
 void Kicker::update(const perception::Perception& perception) {
@@ -209,7 +210,7 @@ void Kicker::update(const perception::Perception& perception) {
     aim_head();
     walker_.update(perception);
     if (phase_ == KickPhase::kick) {
-        move(perception);
+        move();
     } else {
         follow_walker(perception);
     }
