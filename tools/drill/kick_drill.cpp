@@ -103,10 +103,9 @@ void wait_for_rest(Trial& trial, kick::Kicker& kicker) {
     }
 }
 
-nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
-                        const walk::WalkParams& walk, const kick::KickParams& params, int run) {
-    const FieldPose spot{kick.ball_x - behind, kick.ball_y, 0};
-    Trial trial(options, spot);
+/// The ball and the robot put in place by the trainer: the ball at the
+/// kick's spot, the robot at `spot` (where the beam put it already).
+void place(Trial& trial, const KickOptions& kick, const FieldPose& spot) {
     trial.monitor().place_ball(kick.ball_x, kick.ball_y, ball_radius);
     // At the height the beam gave it: the types stand at different heights,
     // and a torso put lower than that pushes the feet into the ground.
@@ -114,6 +113,28 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double height = trial.height() > 0 ? trial.height() + height_margin : robot_height;
     trial.monitor().place_robot(monitor::Side::left, trial.number(), spot.x, spot.y, height,
                                 spot.heading);
+}
+
+/// What a run shows: how far and where the ball went from `from` to `to`,
+/// against the heading at the start plus the asked direction.
+void add_figures(nlohmann::json& result, const KickOptions& kick, const FieldPose& start,
+                 const Ball& from, const Ball& to) {
+    const double distance = std::hypot(to.x - from.x, to.y - from.y);
+    const double wanted = start.heading + kick.direction;
+    const double went = std::atan2(to.y - from.y, to.x - from.x) / radians_per_degree;
+    result["direction"] = kick.direction;
+    result["distance_m"] = distance;
+    result["direction_error_deg"] =
+        distance < least_kick ? missed_error_deg : std::fabs(std::remainder(went - wanted, 360.0));
+    result["ball_from"] = {from.x, from.y};
+    result["ball_to"] = {to.x, to.y};
+}
+
+nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
+                        const walk::WalkParams& walk, const kick::KickParams& params, int run) {
+    const FieldPose spot{kick.ball_x - behind, kick.ball_y, 0};
+    Trial trial(options, spot);
+    place(trial, kick, spot);
     kick::Kicker kicker(body::BodyModel::for_type(options.type), walk, params);
     const auto cycle = [&] {
         kicker.update(trial.perception());
@@ -148,22 +169,13 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     trial.catch_up();
     const double seconds = trial.game_time() - start_time;
     wait_for_rest(trial, kicker);
-    const Ball to = ball_of(trial);
     nlohmann::json result = trial.record("kick", options, run, start_time);
-    const double distance = std::hypot(to.x - from.x, to.y - from.y);
-    const double wanted = start.heading + kick.direction;
-    const double went = std::atan2(to.y - from.y, to.x - from.x) / radians_per_degree;
-    result["direction"] = kick.direction;
-    result["distance_m"] = distance;
-    result["direction_error_deg"] =
-        distance < least_kick ? missed_error_deg : std::fabs(std::remainder(went - wanted, 360.0));
+    add_figures(result, kick, start, from, ball_of(trial));
     result["seconds"] = seconds;
     result["kicked"] = kicker.phase() == kick::KickPhase::done;
     result["upright"] = !trial.down();
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
-    result["ball_from"] = {from.x, from.y};
     result["ball_at_kick"] = at_kick;
-    result["ball_to"] = {to.x, to.y};
     return result;
 }
 
