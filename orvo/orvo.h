@@ -114,4 +114,11 @@
 #include <orvo/walk/walk_params.h>
 #include <orvo/walk/walker.h>
 
+// kick
+#include <orvo/kick/kick_motion.h>
+#include <orvo/kick/kick_params.h>
+#include <orvo/kick/kick_plan.h>
+#include <orvo/kick/kicker.h>
+#include <orvo/kick/skill_kick.h>
+
 #endif

@@ -11,6 +11,8 @@ extern const char* const walk_usage;
 int run_walk(Arguments& arguments);
 extern const char* const localize_usage;
 int run_localize(Arguments& arguments);
+extern const char* const kick_usage;
+int run_kick(Arguments& arguments);
 
 /// Fails with a clear message when no server can be started here and none is
 /// given.

@@ -3,7 +3,6 @@
 // decisions, and the trainer moves it 5 m once half way. At every monitor
 // update the drill compares the belief of that game time with the truth.
 #include "drills.h"
-#include "joint_command.h"
 #include "summary.h"
 #include "trial.h"
 

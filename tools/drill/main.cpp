@@ -19,6 +19,7 @@ struct Drill {
 const Drill drills[] = {
     {"walk", orvo::drill::walk_usage, orvo::drill::run_walk},
     {"localize", orvo::drill::localize_usage, orvo::drill::run_localize},
+    {"kick", orvo::drill::kick_usage, orvo::drill::run_kick},
 };
 
 void print_usage() {

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <sstream>
 
 namespace orvo::drill {
@@ -94,6 +95,20 @@ nlohmann::json Trial::record(const std::string& skill, const DrillOptions& optio
                              double start_time) const {
     return {{"skill", skill},           {"type", options.type},    {"run", run},
             {"start_time", start_time}, {"end_time", game_time()}, {"falls", falls_}};
+}
+
+std::string joint_command(const robot::JointSet& joints, const robot::JointValues& speeds) {
+    std::string command;
+    char part[48];
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        if (joints.test(i)) {
+            const auto& joint = robot::joint_table()[i];
+            std::snprintf(part, sizeof part, "(%.*s %.4f)", static_cast<int>(joint.effector.size()),
+                          joint.effector.data(), speeds[i]);
+            command += part;
+        }
+    }
+    return command;
 }
 
 FieldPose relative_to(const FieldPose& origin, const FieldPose& pose) {

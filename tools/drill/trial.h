@@ -6,6 +6,7 @@
 #include <orvo/monitor/monitor_client.h>
 #include <orvo/perception/perception.h>
 #include <orvo/perception/perception_reader.h>
+#include <orvo/robot/joints.h>
 
 #include <nlohmann/json.hpp>
 
@@ -51,14 +52,22 @@ public:
     std::optional<FieldPose> pose() const;
     /// Game time by the monitor, seconds.
     double game_time() const;
+    /// Everything the monitor shows now.
+    const monitor::GroundTruth& monitor_truth() const { return monitor_->truth(); }
+    /// The robot as the monitor shows it now, or null.
+    const monitor::RobotTruth* monitor_truth_robot() const {
+        return monitor_->robot(monitor::Side::left, number_);
+    }
+    /// The monitor connection, for the trainer's commands.
+    monitor::MonitorClient& monitor() { return *monitor_; }
+    /// The robot's number on the field.
+    int number() const { return number_; }
+    /// Whether the monitor shows the robot lying or sitting now.
+    bool down() const { return down_; }
     /// What every drill reports of a run: "skill", "type", "run",
     /// "start_time" (given) and "end_time" (now, game time) and "falls".
     nlohmann::json record(const std::string& skill, const DrillOptions& options, int run,
                           double start_time) const;
-    /// The monitor, for the truth beyond the robot's pose and for trainer commands.
-    monitor::MonitorClient& monitor() { return *monitor_; }
-    /// The robot's number on the left team.
-    int number() const { return number_; }
     /// Falls counted since the trial began.
     int falls() const { return falls_; }
     /// The torso's height (m) and tilt from upright (deg) by the monitor.
@@ -80,6 +89,9 @@ private:
     double height_ = 0;
     double tilt_ = 0;
 };
+
+/// The server's command setting the speeds (rad/s) of the joints in `joints`.
+std::string joint_command(const robot::JointSet& joints, const robot::JointValues& speeds);
 
 /// `pose` seen from `origin`: metres forward and left of it, degrees turned.
 FieldPose relative_to(const FieldPose& origin, const FieldPose& pose);

@@ -1,5 +1,4 @@
 #include "drills.h"
-#include "joint_command.h"
 #include "summary.h"
 #include "trial.h"
 

@@ -1,0 +1,67 @@
+#ifndef ORVO_KICK_KICK_PARAMS_H
+#define ORVO_KICK_KICK_PARAMS_H
+
+#include <orvo/core/export.h>
+#include <orvo/params/param_set.h>
+
+namespace orvo::kick {
+
+/// Every number that shapes the kick of one robot type, as the parameter file
+/// "kick/type<T>.json" holds them. Lengths in metres, angles in degrees, times
+/// in seconds. The stance it kicks from is the walk's stand.
+struct ORVO_API KickParams {
+    // Where the ball must lie before the kick: ahead of the hips' middle, and
+    // beside the kicking foot's line (positive: outward).
+    double ball_x = 0;
+    double ball_y = 0;
+    // Walking up to that spot.
+    double approach_gain = 0;      ///< m/s per metre off the spot
+    double approach_turn_gain = 0; ///< deg/s per degree off the heading
+    double approach_forward = 0;   ///< fastest forward, m/s
+    double approach_sideways = 0;  ///< fastest sideways, m/s
+    double approach_turn = 0;      ///< fastest turn, deg/s
+    double approach_clearance = 0; ///< keep this far behind the ball until lined up
+    double tolerance_x = 0;        ///< close enough to stop and settle
+    double tolerance_y = 0;
+    double tolerance_heading = 0;
+    double kick_tolerance_x = 0; ///< still close enough once stood still
+    double kick_tolerance_y = 0;
+    double kick_tolerance_heading = 0;
+    double settle_time = 0;   ///< standing still before the last look
+    double ball_filter = 0;   ///< share of a new ball sighting taken
+    double camera_height = 0; ///< over the ground, for aiming the head
+    double give_up_time = 0;  ///< approach given up after this long
+    // The motion, phase by phase: hips over the support foot, kicking foot
+    // lifted and drawn back, swung through, drawn back, set down, hips back.
+    double shift_y = 0; ///< hips' shift toward the support foot
+    double shift_time = 0;
+    double crouch = 0; ///< hips lowered during the kick
+    double lift_time = 0;
+    double back_x = 0;     ///< kicking sole behind its stand place
+    double lift_z = 0;     ///< kicking sole above the ground, drawn back
+    double out_y = 0;      ///< kicking sole outward, away from the support leg
+    double back_pitch = 0; ///< kicking foot's toes down when drawn back (ankle, degrees)
+    double swing_time = 0;
+    double swing_x = 0;     ///< kicking sole ahead of its stand place at the end of the swing
+    double swing_z = 0;     ///< and above the ground
+    double swing_pitch = 0; ///< toes down during the swing (ankle, degrees)
+    double lunge = 0;       ///< hips forward over the support foot at the end of the swing
+    double swing_lean = 0;  ///< torso pitched forward by the support hip through the swing, degrees
+    double retract_time = 0;
+    double lower_time = 0;
+    double unshift_time = 0;
+    double support_roll = 0; ///< torso rolled over the support foot, degrees
+    double lean = 0;         ///< torso pitched forward during the kick
+    double arm_out = 0;      ///< shoulder roll outward on the kicking side, for balance
+    double arm_swing = 0;    ///< shoulder pitch: kicking side back, the other forward
+    double joint_p = 0;
+    double joint_d = 0;
+    double rest_time = 0; ///< standing after the kick before it counts as done
+
+    /// Takes every field from `set`; throws ParamError naming a missing entry.
+    static KickParams from(const params::ParamSet& set);
+};
+
+} // namespace orvo::kick
+
+#endif

@@ -1,0 +1,127 @@
+#include <orvo/kick/kick_motion.h>
+
+#include <orvo/body/kinematics.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo::kick {
+
+namespace {
+
+/// 0 to 1 with no speed at either end.
+double smooth(double share) {
+    return share * share * (3 - 2 * share);
+}
+
+double mix(double from, double to, double share) {
+    return from + (to - from) * share;
+}
+
+} // namespace
+
+KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, double hip_width,
+                       walk::Side kicking)
+    : params_(params), stand_(stand), hip_width_(hip_width), kicking_(kicking) {
+    const KickParams& p = params;
+    keys_ = {{
+        {0, 0, 0, 0, 0, 0, 0},                                         // the walk's stand
+        {0, 0, 0, 1, 0, 0, 0},                                         // over the support foot
+        {-p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0},         // drawn back
+        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1}, // swung through
+        {0, p.lift_z, p.out_y, 1, 0, 0, 1},                            // drawn back under the hips
+        {0, 0, 0, 1, 0, 0, 0},                                         // set down
+        {0, 0, 0, 0, 0, 0, 0},                                         // back in the stand
+    }};
+    times_ = {p.shift_time,   p.lift_time,  p.swing_time,
+              p.retract_time, p.lower_time, p.unshift_time};
+}
+
+double KickMotion::duration() const {
+    double total = 0;
+    for (double time : times_) {
+        total += time;
+    }
+    return total;
+}
+
+double KickMotion::swing_begins() const {
+    return times_[0] + times_[1];
+}
+
+KickPose KickMotion::at(double seconds) const {
+    std::size_t phase = 0;
+    double t = std::max(seconds, 0.0);
+    while (phase < times_.size() && t >= times_[phase]) {
+        t -= times_[phase];
+        ++phase;
+    }
+    if (phase == times_.size()) {
+        return pose(keys_.back());
+    }
+    const double share = times_[phase] > 0 ? t / times_[phase] : 1;
+    const double s = phase == 2 ? share : smooth(share);
+    const Key& a = keys_[phase];
+    const Key& b = keys_[phase + 1];
+    return pose({mix(a.x, b.x, s), mix(a.z, b.z, s), mix(a.out, b.out, s), mix(a.shift, b.shift, s),
+                 mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s), mix(a.arms, b.arms, s)});
+}
+
+KickPose KickMotion::pose(const Key& key) const {
+    const double k = walk::sign(kicking_);
+    const double height = stand_.hip_height - params_.crouch * key.shift;
+    const double line = hip_width_ + stand_.foot_y;
+    // Moving the hips over the support foot moves both soles, in the hips'
+    // frame, toward the kicking side.
+    const double shift = k * params_.shift_y * key.shift;
+    KickPose pose;
+    walk::SoleTarget& kick = kicking_ == walk::Side::left ? pose.left : pose.right;
+    walk::SoleTarget& support = kicking_ == walk::Side::left ? pose.right : pose.left;
+    kick.position = {stand_.foot_x + key.x, k * (line + key.out) + shift, key.z - height};
+    // The hips lunge forward over the support foot as the kicking leg swings,
+    // and carry it with them.
+    support.position = {stand_.foot_x - key.lunge, -k * line + shift, -height};
+    pose.attitude.pitch = mix(stand_.lean, params_.lean, key.shift);
+    pose.attitude.roll = -k * params_.support_roll * key.shift;
+    pose.toe_down = key.toe_down;
+    pose.arm_out = params_.arm_out * key.shift;
+    pose.arm_swing = params_.arm_swing * key.arms;
+    return pose;
+}
+
+bool KickMotion::angles(const body::BodyModel& model, double seconds,
+                        robot::JointValues& angles) const {
+    const double begins = swing_begins();
+    if (seconds <= begins || seconds >= swing_ends()) {
+        return pose_legs(model, at(seconds), kicking_, angles);
+    }
+    robot::JointValues through = angles;
+    const bool reached = pose_legs(model, pose(keys_[3]), kicking_, through) &&
+                         pose_legs(model, pose(keys_[2]), kicking_, angles);
+    const double share = (seconds - begins) / params_.swing_time;
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        angles[i] = mix(angles[i], through[i], share);
+    }
+    // The support hip pitches the torso forward through the swing: the
+    // kicking thigh, hung from the torso, turns that much faster.
+    const robot::Joint support_hip =
+        kicking_ == walk::Side::left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
+    angles[robot::index(support_hip)] += params_.swing_lean * share;
+    return reached;
+}
+
+bool pose_legs(const body::BodyModel& model, const KickPose& pose, walk::Side kicking,
+               robot::JointValues& angles) {
+    bool reached = true;
+    for (walk::Side side : {walk::Side::left, walk::Side::right}) {
+        body::LegAngles leg{};
+        reached = walk::leg_angles(model, side, pose.sole(side), pose.attitude, leg) && reached;
+        if (side == kicking) {
+            leg.ankle_pitch -= pose.toe_down;
+        }
+        body::set_leg_angles(angles, walk::leg_of(side), leg);
+    }
+    return reached;
+}
+
+} // namespace orvo::kick

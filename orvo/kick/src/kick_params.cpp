@@ -1,0 +1,56 @@
+#include <orvo/kick/kick_params.h>
+
+namespace orvo::kick {
+
+#define ORVO_KICK_PARAM(name) params.name = set[#name]
+
+KickParams KickParams::from(const params::ParamSet& set) {
+    KickParams params;
+    ORVO_KICK_PARAM(ball_x);
+    ORVO_KICK_PARAM(ball_y);
+    ORVO_KICK_PARAM(approach_gain);
+    ORVO_KICK_PARAM(approach_turn_gain);
+    ORVO_KICK_PARAM(approach_forward);
+    ORVO_KICK_PARAM(approach_sideways);
+    ORVO_KICK_PARAM(approach_turn);
+    ORVO_KICK_PARAM(approach_clearance);
+    ORVO_KICK_PARAM(tolerance_x);
+    ORVO_KICK_PARAM(tolerance_y);
+    ORVO_KICK_PARAM(tolerance_heading);
+    ORVO_KICK_PARAM(kick_tolerance_x);
+    ORVO_KICK_PARAM(kick_tolerance_y);
+    ORVO_KICK_PARAM(kick_tolerance_heading);
+    ORVO_KICK_PARAM(settle_time);
+    ORVO_KICK_PARAM(ball_filter);
+    ORVO_KICK_PARAM(camera_height);
+    ORVO_KICK_PARAM(give_up_time);
+    ORVO_KICK_PARAM(shift_y);
+    ORVO_KICK_PARAM(shift_time);
+    ORVO_KICK_PARAM(crouch);
+    ORVO_KICK_PARAM(lift_time);
+    ORVO_KICK_PARAM(back_x);
+    ORVO_KICK_PARAM(lift_z);
+    ORVO_KICK_PARAM(out_y);
+    ORVO_KICK_PARAM(back_pitch);
+    ORVO_KICK_PARAM(swing_time);
+    ORVO_KICK_PARAM(swing_x);
+    ORVO_KICK_PARAM(swing_z);
+    ORVO_KICK_PARAM(swing_pitch);
+    ORVO_KICK_PARAM(lunge);
+    ORVO_KICK_PARAM(swing_lean);
+    ORVO_KICK_PARAM(retract_time);
+    ORVO_KICK_PARAM(lower_time);
+    ORVO_KICK_PARAM(unshift_time);
+    ORVO_KICK_PARAM(support_roll);
+    ORVO_KICK_PARAM(lean);
+    ORVO_KICK_PARAM(arm_out);
+    ORVO_KICK_PARAM(arm_swing);
+    ORVO_KICK_PARAM(joint_p);
+    ORVO_KICK_PARAM(joint_d);
+    ORVO_KICK_PARAM(rest_time);
+    return params;
+}
+
+#undef ORVO_KICK_PARAM
+
+} // namespace orvo::kick

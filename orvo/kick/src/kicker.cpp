@@ -1,0 +1,219 @@
+#include <orvo/kick/kicker.h>
+
+#include <orvo/body/kinematics.h>
+#include <orvo/world/sightings.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace orvo::kick {
+
+namespace {
+
+constexpr double degrees_per_radian = 57.29577951308232;
+constexpr double radians_per_degree = 0.017453292519943295;
+
+} // namespace
+
+const char* phase_name(KickPhase phase) {
+    switch (phase) {
+    case KickPhase::idle:
+        return "idle";
+    case KickPhase::approach:
+        return "approach";
+    case KickPhase::settle:
+        return "settle";
+    case KickPhase::kick:
+        return "kick";
+    case KickPhase::rest:
+        return "rest";
+    case KickPhase::done:
+        return "done";
+    case KickPhase::failed:
+        return "failed";
+    }
+    return "?";
+}
+
+Kicker::Kicker(const body::BodyModel& model, const walk::WalkParams& walk, const KickParams& kick)
+    : model_(model), params_(kick), walker_(model, walk),
+      controller_(skills::JointController::Gains{kick.joint_p, kick.joint_d}) {}
+
+Pose2 Kicker::robot() const {
+    const walk::Odometry& odometry = walker_.odometry();
+    return {odometry.x, odometry.y, odometry.heading};
+}
+
+void Kicker::start(double direction_deg) {
+    asked_ = direction_deg;
+    direction_ = robot().heading + direction_deg;
+    side_chosen_ = false;
+    stand_.reset();
+    motion_.reset();
+    phase_ = KickPhase::approach;
+    since_ = started_ = clock_;
+    plan();
+}
+
+void Kicker::see_ball(const perception::Perception& perception) {
+    using robot::Joint;
+    if (!perception.has_vision || !perception.vision.sees_ball) {
+        return;
+    }
+    const double yaw =
+        perception.joints.has(Joint::neck_yaw) ? perception.joints[Joint::neck_yaw] : 0;
+    const double pitch =
+        perception.joints.has(Joint::neck_pitch) ? perception.joints[Joint::neck_pitch] : 0;
+    const world::GroundPoint seen =
+        world::to_ground(perception.vision.ball, yaw, pitch, walker_.params().lean);
+    if (!std::isfinite(seen.x) || !std::isfinite(seen.y)) {
+        return;
+    }
+    const Pose2 now = compose(robot(), {seen.x, seen.y, 0});
+    if (!ball_) {
+        ball_ = now;
+    } else {
+        ball_->x += (now.x - ball_->x) * params_.ball_filter;
+        ball_->y += (now.y - ball_->y) * params_.ball_filter;
+    }
+    last_seen_ = clock_;
+}
+
+void Kicker::plan() {
+    if (!ball_) {
+        return;
+    }
+    if (!side_chosen_) {
+        const Pose2 seen = relative(robot(), *ball_);
+        side_ = kicking_side(seen.x, seen.y, asked_);
+        side_chosen_ = true;
+    }
+    stand_ = stand_pose(ball_->x, ball_->y, direction_, side_,
+                        model_.hip_width() + walker_.params().foot_y, params_);
+}
+
+void Kicker::aim_head() {
+    // The head follows the ball, looking down at it by the camera's height;
+    // during the kick it holds still, as the robot does.
+    if (!ball_ || phase_ == KickPhase::kick) {
+        return;
+    }
+    const Pose2 seen = relative(robot(), *ball_);
+    const double distance = std::hypot(seen.x, seen.y);
+    head_yaw_ = std::atan2(seen.y, seen.x) * degrees_per_radian;
+    head_pitch_ = -std::atan2(params_.camera_height, distance) * degrees_per_radian;
+}
+
+void Kicker::approach() {
+    const Pose2 here = robot();
+    const Pose2 off = relative(here, *stand_);
+    if (within(off, params_.tolerance_x, params_.tolerance_y, params_.tolerance_heading)) {
+        walker_.stop();
+        phase_ = KickPhase::settle;
+        since_ = clock_;
+        return;
+    }
+    const walk::Velocity velocity =
+        approach_velocity(relative(here, approach_spot(here, *stand_, params_)), params_);
+    walker_.set_velocity(velocity.forward, velocity.sideways, velocity.turn);
+}
+
+void Kicker::settle() {
+    if (!walker_.standing()) {
+        since_ = clock_;
+        return;
+    }
+    // A last look once standing still: the steps may have pushed the ball.
+    if (clock_ - since_ < params_.settle_time || last_seen_ < since_ + params_.settle_time / 2) {
+        return;
+    }
+    const Pose2 off = relative(robot(), *stand_);
+    if (!within(off, params_.kick_tolerance_x, params_.kick_tolerance_y,
+                params_.kick_tolerance_heading)) {
+        phase_ = KickPhase::approach;
+        since_ = clock_;
+        return;
+    }
+    motion_.emplace(params_, walker_.params(), model_.hip_width(), side_);
+    phase_ = KickPhase::kick;
+    since_ = clock_;
+}
+
+void Kicker::follow_walker(const perception::Perception& perception) {
+    using robot::Joint;
+    targets_ = walker_.targets();
+    speeds_ = walker_.speeds();
+    // The walker holds the head straight; the head follows the ball instead.
+    const Joint neck[] = {Joint::neck_yaw, Joint::neck_pitch};
+    const double wanted[] = {head_yaw_, head_pitch_};
+    for (int i = 0; i < 2; ++i) {
+        const std::size_t j = robot::index(neck[i]);
+        const auto& range = model_.joint(neck[i]);
+        targets_[j] = std::clamp(wanted[i], range.min_deg, range.max_deg);
+        const double angle = perception.joints.has(neck[i]) ? perception.joints[neck[i]] : 0;
+        speeds_[j] = std::clamp(params_.joint_p * (targets_[j] - angle) * radians_per_degree,
+                                -range.max_speed, range.max_speed);
+    }
+    previous_ = targets_;
+}
+
+void Kicker::move() {
+    using robot::Joint;
+    const double t = clock_ - since_;
+    const KickPose pose = motion_->at(t);
+    (void)motion_->angles(model_, t, targets_);
+    const auto& walk = walker_.params();
+    const double out_sign = walk::sign(side_);
+    const double out = out_sign * pose.arm_out;
+    targets_[robot::index(Joint::left_shoulder_pitch)] = walk.arm_pitch - out_sign * pose.arm_swing;
+    targets_[robot::index(Joint::right_shoulder_pitch)] =
+        walk.arm_pitch + out_sign * pose.arm_swing;
+    targets_[robot::index(Joint::left_shoulder_roll)] = walk.arm_roll + std::max(out, 0.0);
+    targets_[robot::index(Joint::right_shoulder_roll)] = -walk.arm_roll + std::min(out, 0.0);
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        rates_[i] = (targets_[i] - previous_[i]) / robot::cycle_seconds;
+    }
+    previous_ = targets_;
+    controller_.step(targets_, rates_, angles_, joints(), speeds_);
+}
+
+void Kicker::update(const perception::Perception& perception) {
+    clock_ += robot::cycle_seconds;
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        const auto joint = static_cast<robot::Joint>(i);
+        if (perception.joints.has(joint)) {
+            angles_[i] = perception.joints[joint];
+        }
+    }
+    see_ball(perception);
+    if (phase_ == KickPhase::approach || phase_ == KickPhase::settle) {
+        plan();
+        const double seen = ball_ ? last_seen_ : started_;
+        if (clock_ - seen > params_.give_up_time) {
+            walker_.stop();
+            phase_ = KickPhase::failed;
+        } else if (!ball_) {
+            walker_.stop();
+        } else if (phase_ == KickPhase::approach) {
+            approach();
+        } else {
+            settle();
+        }
+    }
+    if (phase_ == KickPhase::kick && clock_ - since_ >= motion_->duration()) {
+        phase_ = KickPhase::rest;
+        since_ = clock_;
+    }
+    if (phase_ == KickPhase::rest && clock_ - since_ >= params_.rest_time) {
+        phase_ = KickPhase::done;
+    }
+    aim_head();
+    walker_.update(perception);
+    if (phase_ == KickPhase::kick) {
+        move();
+    } else {
+        follow_walker(perception);
+    }
+}
+
+} // namespace orvo::kick

@@ -1,0 +1,89 @@
+// The kick's motion for every robot type with its parameter files: every
+// pose within the legs' reach, from the walk's stand back into it, the feet
+// never near each other (the server fouls limbs that touch).
+#include <orvo/body/kinematics.h>
+#include <orvo/kick/kick_motion.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+namespace {
+
+/// Every type's foot is 8 cm wide; the server counts limbs within 4 cm as
+/// touching, so the feet's middles keep at least this far apart sideways.
+constexpr double feet_apart = 0.08 + 0.04;
+
+using orvo::kick::KickMotion;
+using orvo::walk::Side;
+
+orvo::params::ParamSet load(const std::string& skill, int type) {
+    return orvo::params::ParamSet::load(std::string(ORVO_PARAMS) + "/" + skill + "/type" +
+                                        std::to_string(type) + ".json");
+}
+
+struct Feet {
+    Eigen::Vector3d left, right, left_toes;
+};
+
+Feet feet(const orvo::body::BodyModel& model, const orvo::robot::JointValues& angles) {
+    using orvo::body::Leg;
+    const auto left =
+        orvo::body::foot_pose(model, Leg::left, orvo::body::leg_angles(angles, Leg::left));
+    const auto right =
+        orvo::body::foot_pose(model, Leg::right, orvo::body::leg_angles(angles, Leg::right));
+    return {left.translation(), right.translation(), left.linear().col(1)};
+}
+
+TEST(KickMotion, EveryTypeReachesEveryPoseAndKeepsItsFeetApart) {
+    for (int type = 0; type < 5; ++type) {
+        const auto model = orvo::body::BodyModel::for_type(type);
+        const auto walk = orvo::walk::WalkParams::from(load("walk", type));
+        const auto kick = orvo::kick::KickParams::from(load("kick", type));
+        for (Side side : {Side::left, Side::right}) {
+            SCOPED_TRACE(testing::Message()
+                         << "type " << type << (side == Side::left ? " left" : " right"));
+            const KickMotion motion(kick, walk, model.hip_width(), side);
+            orvo::robot::JointValues angles{};
+            ASSERT_TRUE(orvo::kick::pose_legs(model, motion.at(0), side, angles));
+            const Feet stand = feet(model, angles);
+            double closest = std::fabs(stand.left.x() - stand.right.x());
+            for (double t = 0; t <= motion.duration(); t += 0.01) {
+                EXPECT_TRUE(motion.angles(model, t, angles)) << t;
+                const Feet now = feet(model, angles);
+                closest = std::min(closest, std::fabs(now.left.x() - now.right.x()));
+            }
+            EXPECT_GE(closest, feet_apart);
+            orvo::kick::pose_legs(model, motion.at(motion.duration()), side, angles);
+            EXPECT_LT((feet(model, angles).left - stand.left).norm(), 1e-6);
+            EXPECT_LT((feet(model, angles).right - stand.right).norm(), 1e-6);
+        }
+    }
+}
+
+TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
+    const auto model = orvo::body::BodyModel::for_type(0);
+    const auto walk = orvo::walk::WalkParams::from(load("walk", 0));
+    auto set = load("kick", 0);
+    set.set("swing_pitch", 20);
+    const auto kick = orvo::kick::KickParams::from(set);
+    const KickMotion motion(kick, walk, model.hip_width(), Side::left);
+    orvo::robot::JointValues angles{};
+    orvo::kick::pose_legs(model, motion.at(0), Side::left, angles);
+    const Feet stand = feet(model, angles);
+    orvo::kick::pose_legs(model, motion.at(motion.swing_begins()), Side::left, angles);
+    const Feet back = feet(model, angles);
+    orvo::kick::pose_legs(model, motion.at(motion.swing_ends()), Side::left, angles);
+    const Feet through = feet(model, angles);
+    // The body frame's y is forward, z up.
+    EXPECT_LT(back.left.y(), stand.left.y() - 0.5 * kick.back_x);
+    EXPECT_GT(back.left.z(), stand.left.z() + 0.5 * kick.lift_z);
+    EXPECT_GT(through.left.y(), stand.left.y() + 0.5 * kick.swing_x);
+    // Toes down at the end of the swing, level in the stand; the support foot stays put.
+    EXPECT_LT(through.left_toes.z(), -0.2);
+    EXPECT_NEAR(stand.left_toes.z(), 0, 0.1);
+    EXPECT_LT((through.right - back.right).norm(), 1e-6);
+}
+
+} // namespace

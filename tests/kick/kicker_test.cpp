@@ -1,0 +1,72 @@
+// The kicker's decisions without a server, fed made-up sightings of a ball
+// that lies still: it walks toward a ball far off, kicks one lying where the
+// kick needs it, and gives up on one it never sees.
+#include <orvo/kick/kicker.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+namespace {
+
+using orvo::kick::KickPhase;
+
+orvo::params::ParamSet load(const std::string& skill) {
+    return orvo::params::ParamSet::load(std::string(ORVO_PARAMS) + "/" + skill + "/type0.json");
+}
+
+/// A perception that sees the ball at (`x`, `y`) on the ground of the
+/// torso's level frame, the neck straight and the torso leaning `lean`.
+orvo::perception::Perception seeing(double x, double y, double lean) {
+    const double up = -0.45;
+    const double l = lean * M_PI / 180;
+    const double forward = (x - std::sin(l) * up) / std::cos(l);
+    const double distance = std::sqrt(forward * forward + y * y + up * up);
+    orvo::perception::Perception perception;
+    perception.has_vision = true;
+    perception.vision.sees_ball = true;
+    perception.vision.ball = orvo::math::Polar(
+        static_cast<float>(distance), static_cast<float>(std::atan2(y, forward) * 180 / M_PI),
+        static_cast<float>(std::asin(up / distance) * 180 / M_PI));
+    return perception;
+}
+
+struct Case {
+    const char* what;
+    bool sees;
+    double ball_x, ball_y; ///< from the hips, as a share of the spot's offsets (1: on the spot)
+    KickPhase expected;
+    double seconds;
+};
+
+TEST(Kicker, WalksUpKicksOrGivesUp) {
+    const auto walk = orvo::walk::WalkParams::from(load("walk"));
+    const auto kick = orvo::kick::KickParams::from(load("kick"));
+    const auto model = orvo::body::BodyModel::for_type(0);
+    const double line = model.hip_width() + walk.foot_y + kick.ball_y;
+    const Case cases[] = {
+        {"far ahead", true, 8, 0.5, KickPhase::approach, 1},
+        {"on the spot", true, 1, 1, KickPhase::done, 4},
+        {"never seen", false, 1, 1, KickPhase::failed, kick.give_up_time + 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        orvo::kick::Kicker kicker(model, walk, kick);
+        const auto seen = seeing(c.ball_x * kick.ball_x, c.ball_y * line, walk.lean);
+        const orvo::perception::Perception nothing;
+        kicker.start(0);
+        bool moved = false;
+        for (double t = 0; t < c.seconds && !kicker.finished(); t += 0.02) {
+            kicker.update(c.sees ? seen : nothing);
+            moved = moved || kicker.walker().target().forward > 0;
+        }
+        EXPECT_EQ(kicker.phase(), c.expected) << orvo::kick::phase_name(kicker.phase());
+        EXPECT_EQ(moved, c.expected == KickPhase::approach);
+        if (c.sees) {
+            EXPECT_EQ(kicker.kicking(), orvo::walk::Side::left);
+        }
+    }
+}
+
+} // namespace
