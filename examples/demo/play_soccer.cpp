@@ -25,6 +25,32 @@ constexpr double mates_recent_s = 3;
 /// The ball counts while seen this recently (s).
 constexpr double ball_recent_s = 4;
 
+// Whether the play mode gives the ball to the other team: its kick-off, kick
+// in, corner, goal kick or free kick, when the referee keeps us off the ball.
+bool theirs(orvo::perception::PlayMode mode, bool right_side) {
+    using orvo::perception::PlayMode;
+    switch (mode) {
+    case PlayMode::KickOff_Left:
+    case PlayMode::KickIn_Left:
+    case PlayMode::corner_kick_left:
+    case PlayMode::goal_kick_left:
+    case PlayMode::free_kick_left:
+    case PlayMode::direct_free_kick_left:
+    case PlayMode::pass_left:
+        return right_side;
+    case PlayMode::KickOff_Right:
+    case PlayMode::KickIn_Right:
+    case PlayMode::corner_kick_right:
+    case PlayMode::goal_kick_right:
+    case PlayMode::free_kick_right:
+    case PlayMode::direct_free_kick_right:
+    case PlayMode::pass_right:
+        return !right_side;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 PlaySoccer::PlaySoccer() = default;
@@ -70,7 +96,10 @@ Situation PlaySoccer::situation() const {
     out.number = world->number();
     out.self = {pose.x, pose.y};
     out.heading_deg = pose.heading_deg;
-    out.ball_known = ball.known && now - ball.last_seen < ball_recent_s;
+    // While the other team has a set piece the ball is not ours to play:
+    // the formation holds.
+    out.ball_known = ball.known && now - ball.last_seen < ball_recent_s &&
+                     !theirs(world->play_mode(), world->on_right_side());
     out.ball = {ball.x, ball.y};
     for (const orvo::world::OtherRobot& mate : belief_->others()[1]) {
         if (mate.known && now - mate.last_seen < mates_recent_s) {
