@@ -9,7 +9,7 @@
 #
 #   scripts/demo.sh [--standin] [--agents N] [--teams N] [--cycles N] [--types LIST]
 #                   [--sync] [--slowdown F] [--server HOST:PORT] [--monitor-port N]
-#                   [--play] [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
+#                   [--play|--no-play] [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
 #
 #   --standin         play the stand-in server even when a real one is installed
 #   --agents N        agent processes per team (default 11, at most 11)
@@ -29,7 +29,10 @@
 #                     on a live page
 #   --monitor-port N  the external server's monitor port (default 3200)
 #   --play            once kicked off, the teams play soccer (walk, head for the
-#                     ball, keep a formation): a real server's physics only
+#                     ball, keep a formation): a real server's physics only;
+#                     the default on a real server of the demo's own, which
+#                     also defaults to --teams 2 --cycles 3000 (a minute)
+#   --no-play         hold the places instead, also on a real server
 #   --live            show the game on the stand-in's live page while it runs
 #                     (its address is printed; it stays up until the game ends)
 #   --no-build        use the existing build
@@ -47,14 +50,15 @@ cd "$(dirname "$0")/.."
 root=$(pwd)
 
 agents=11
-teams=1
-cycles=250
+teams=
+cycles=
 types=0,0,0,0,0,1,1,1,1,2,2
 sync=()
 slowdown=1
 external=
 live=no
 play=0
+no_play=
 standin=no
 drawing_host=
 monitor_port=3200
@@ -73,15 +77,30 @@ while [ $# -gt 0 ]; do
     --monitor-port) monitor_port=$2; shift 2 ;;
     --live) live=yes; shift ;;
     --play) play=1; shift ;;
+    --no-play) no_play=1; shift ;;
     --no-build) build=no; shift ;;
     --build-dir) build_dir=$(realpath -m "$2"); shift 2 ;;
     --run-dir) run=$(realpath -m "$2"); shift 2 ;;
     --standin) standin=yes; shift ;;
-    -h|--help) sed -n '2,43p' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
+    -h|--help) awk 'NR > 1 && /^set -euo/ { exit } NR > 1' "$0" | sed 's/^# \{0,1\}//'; exit 0 ;;
     *) echo "demo.sh: unknown argument $1 (see --help)" >&2; exit 2 ;;
   esac
 done
 fail() { echo "demo.sh: $*" >&2; exit 2; }
+# Which server: an external one, a real one of the demo's own, or the stand-in.
+real=no
+if [ -z "$external" ] && [ "$standin" = no ] && command -v rcssserver3d > /dev/null; then
+  real=yes
+fi
+# On a real server the demo is a game: two teams of eleven play a minute.
+# On the stand-in (no physics) one team joins, spreads out and holds.
+if [ "$real" = yes ]; then
+  teams=${teams:-2}
+  cycles=${cycles:-3000}
+  [ "$play" = 1 ] || [ -n "$no_play" ] || play=1
+fi
+teams=${teams:-1}
+cycles=${cycles:-250}
 if ! [[ $agents =~ ^[0-9]+$ ]] || [ "$agents" -lt 1 ] || [ "$agents" -gt 11 ]; then
   fail "--agents takes 1 to 11"
 fi
@@ -97,16 +116,12 @@ if [ -n "$external" ]; then
   [[ $external =~ ^(.+):([0-9]+)$ ]] || fail "--server takes HOST:PORT"
   [ ${#sync[@]} = 0 ] || fail "--sync is for servers the demo starts"
 fi
-# Which server: an external one, a real one of the demo's own, or the stand-in.
-real=no
-if [ -z "$external" ] && [ "$standin" = no ]; then
-  if command -v rcssserver3d > /dev/null; then
-    real=yes
-    [ "$live" = no ] || fail "--live shows the stand-in's game; add --standin"
-    [ "$slowdown" = 1 ] || fail "--slowdown is for the stand-in; add --standin"
-  else
-    echo "demo.sh: no real simulation server installed (rcssserver3d): playing the stand-in"
-  fi
+if [ "$real" = yes ]; then
+  [ "$live" = no ] || fail "--live shows the stand-in's game; add --standin"
+  [ "$slowdown" = 1 ] || fail "--slowdown is for the stand-in; add --standin"
+elif [ -z "$external" ] && [ "$standin" = no ]; then
+  echo "demo.sh: no real simulation server installed (rcssserver3d): playing the stand-in" \
+    "(today's join-and-spread demo; a game needs a server with physics)"
 fi
 
 if [ "$build" = yes ]; then
