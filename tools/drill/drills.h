@@ -3,12 +3,20 @@
 
 #include "drill_options.h"
 
+#include <nlohmann/json.hpp>
+
+#include <string>
+
 namespace orvo::drill {
 
 /// Each drill: its usage lines and its run, which reads its arguments and
 /// returns the program's exit status.
 extern const char* const walk_usage;
 int run_walk(Arguments& arguments);
+extern const char* const getup_usage;
+int run_getup(Arguments& arguments);
+/// One run of the get-up drill with the type's installed parameters: its JSON.
+nlohmann::json getup_once(const DrillOptions& options, const std::string& from);
 
 /// Fails with a clear message when no server can be started here and none is
 /// given.

@@ -18,6 +18,7 @@ struct Drill {
 
 const Drill drills[] = {
     {"walk", orvo::drill::walk_usage, orvo::drill::run_walk},
+    {"getup", orvo::drill::getup_usage, orvo::drill::run_getup},
 };
 
 void print_usage() {

@@ -52,6 +52,10 @@ const perception::Perception& Trial::step(const std::string& commands) {
     return perception_;
 }
 
+const std::string& Trial::payload() const {
+    return robot_->last();
+}
+
 void Trial::catch_up() {
     constexpr double lag = 0.05;
     constexpr int tries = 40;

@@ -43,6 +43,8 @@ public:
     /// One cycle: sends `commands` and reads the next perception.
     const perception::Perception& step(const std::string& commands);
     const perception::Perception& perception() const { return perception_; }
+    /// The text of the last perception, as the server sent it.
+    const std::string& payload() const;
 
     /// Waits (briefly) until the monitor has shown the game up to the robot's
     /// last perception: the monitor's stream lags behind in bursts.
