@@ -36,6 +36,8 @@ constexpr double up_height = 0.30;
 constexpr double up_hold = 1;
 constexpr double settle_seconds = 0.5;
 constexpr double radians_per_degree = 0.017453292519943295;
+/// The torso tilted this far lies on the ground: how high it rises counts from here.
+constexpr double lying_tilt = 70;
 constexpr int cycles_per_second = 50;
 
 struct GetUpOptions {
@@ -153,10 +155,14 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     double hold_from = -1;
     double up_at = -1;
     double peak = 0;
+    bool landed = false;
     for (int i = 0; i < options.seconds * cycles_per_second && up_at < 0; ++i) {
         getting_up.update(trial.perception());
         cycle(joint_command(getting_up.speeds(), getting_up.joints()));
-        peak = std::max(peak, trial.height() * std::cos(trial.tilt() * radians_per_degree));
+        landed = landed || trial.tilt() >= lying_tilt;
+        if (landed) {
+            peak = std::max(peak, trial.height() * std::cos(trial.tilt() * radians_per_degree));
+        }
         const bool up = trial.tilt() <= up_tilt && trial.height() >= up_height;
         hold_from = !up ? -1 : hold_from < 0 ? trial.game_time() : hold_from;
         if (hold_from >= 0 && trial.game_time() - hold_from >= up_hold) {
