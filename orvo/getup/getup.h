@@ -26,6 +26,9 @@ public:
     /// The installed parameters of robot `type`.
     static GetUp for_type(int type);
 
+    /// Whether a lying robot has come to rest, so that a get-up starts from
+    /// the same pose every time: its torso turns slower than "still_rate" (deg/s).
+    bool settled(const perception::Perception& perception) const;
     /// Starts getting up from lying as `posture` says (one of the four
     /// lying postures; anything else is taken as lying on the back).
     void start(fall::Posture posture);

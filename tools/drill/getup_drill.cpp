@@ -149,6 +149,11 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     const int falls_before = trial.falls();
     drop(cycle, set, getup.from, options.type);
     getup::GetUp getting_up(options.type, set);
+    for (int i = 0; i < drop_seconds * cycles_per_second && !getting_up.settled(trial.perception());
+         ++i) {
+        // A joint keeps the last speed it was told: still ones stay still.
+        cycle(joint_command(robot::JointValues{}, robot::joints_of(options.type)));
+    }
     const fall::Posture lying = watch.detector().posture();
     getting_up.start(lying);
     const double getup_start = trial.perception().game_state.time;

@@ -2,6 +2,7 @@
 
 #include <orvo/getup/getup_motions.h>
 
+#include <cmath>
 #include <utility>
 
 namespace orvo::getup {
@@ -25,6 +26,7 @@ GetUp::GetUp(int type, const params::ParamSet& params)
         (void)motion_from(params_, name);
     }
     (void)params_["side_onto_front"];
+    (void)params_["still_rate"];
 }
 
 GetUp GetUp::for_type(int type) {
@@ -36,6 +38,11 @@ void GetUp::play(const std::string& name, bool mirrored) {
     duration_ += motion->duration();
     motion_ = motion->name();
     player_.play(std::move(motion));
+}
+
+bool GetUp::settled(const perception::Perception& perception) const {
+    const auto& turn = perception.gyroscope;
+    return std::sqrt(turn.x * turn.x + turn.y * turn.y + turn.z * turn.z) < params_["still_rate"];
 }
 
 void GetUp::start(fall::Posture posture) {

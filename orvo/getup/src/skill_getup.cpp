@@ -58,7 +58,7 @@ const GetUp& Skill_GetUp::getup() {
 bool Skill_GetUp::operator()(const perception::Perception& perception) {
     load_default();
     const fall::Posture posture = detector_->update(perception);
-    if (fall::lying(posture) && !getup_->active()) {
+    if (fall::lying(posture) && !getup_->active() && getup_->settled(perception)) {
         getup_->start(posture);
     }
     // Falling: nothing to do yet but let it happen; upright: the joints are
