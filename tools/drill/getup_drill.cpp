@@ -64,6 +64,12 @@ std::string without_vision(const std::string& payload) {
     return payload.substr(0, begin) + payload.substr(std::min(end + 1, payload.size()));
 }
 
+/// How far the torso's forward axis points up (-1: lying face down), by the monitor.
+double forward_rise(const Trial& trial) {
+    const monitor::RobotTruth* truth = trial.truth();
+    return truth == nullptr || truth->parts.empty() ? 0 : truth->parts[0].pose.m[6];
+}
+
 /// One robot cycle of the drill: the commands sent, the monitor caught up
 /// (so that falls are timed to its first update that shows them), the fall
 /// watch updated and the cycle recorded or traced when asked.
@@ -86,9 +92,9 @@ struct Cycle {
             const auto& joints = trial.perception().joints;
             std::fprintf(
                 stderr,
-                "t %.2f tilt %.1f z %.3f | %s tilt %.1f rate %.0f z %.3f | shoulder %.0f "
+                "t %.2f tilt %.1f z %.3f fwd %.2f | %s tilt %.1f rate %.0f z %.3f | shoulder %.0f "
                 "hip %.0f knee %.0f ankle %.0f\n",
-                trial.game_time(), trial.tilt(), trial.height(),
+                trial.game_time(), trial.tilt(), trial.height(), forward_rise(trial),
                 std::string(fall::posture_name(detector.posture())).c_str(), detector.tilt_deg(),
                 detector.tilt_rate(), detector.height(), joints[robot::Joint::left_shoulder_pitch],
                 joints[robot::Joint::left_hip_pitch], joints[robot::Joint::left_knee_pitch],

@@ -90,6 +90,10 @@ std::optional<FieldPose> Trial::pose() const {
     return pose_;
 }
 
+const monitor::RobotTruth* Trial::truth() const {
+    return monitor_->robot(monitor::Side::left, number_);
+}
+
 double Trial::game_time() const {
     return monitor_->truth().time;
 }

@@ -51,6 +51,8 @@ public:
     void catch_up();
     /// The robot's pose by the monitor, once it has seen the robot.
     std::optional<FieldPose> pose() const;
+    /// Everything the monitor shows of the robot, once it has seen it.
+    const monitor::RobotTruth* truth() const;
     /// Game time by the monitor, seconds.
     double game_time() const;
     /// What every drill reports of a run: "skill", "type", "run",
