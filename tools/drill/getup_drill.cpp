@@ -153,6 +153,7 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     stand_and_walk(cycle, walker, getup.walk_seconds);
     const double start_time = trial.game_time();
     const int falls_before = trial.falls();
+    const std::size_t detections_before = watch.detections().size();
     drop(cycle, set, getup.from, options.type);
     getup::GetUp getting_up(options.type, set);
     for (int i = 0; i < drop_seconds * cycles_per_second && !getting_up.settled(trial.perception());
@@ -166,6 +167,7 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     double hold_from = -1;
     double up_at = -1;
     double peak = 0;
+    double upright_seconds = 0;
     bool landed = false;
     for (int i = 0; i < options.seconds * cycles_per_second && up_at < 0; ++i) {
         getting_up.update(trial.perception());
@@ -175,6 +177,7 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
             peak = std::max(peak, trial.height() * std::cos(trial.tilt() * radians_per_degree));
         }
         const bool up = trial.tilt() <= up_tilt && trial.height() >= up_height;
+        upright_seconds += up ? robot::cycle_seconds : 0;
         hold_from = !up ? -1 : hold_from < 0 ? trial.game_time() : hold_from;
         if (hold_from >= 0 && trial.game_time() - hold_from >= up_hold) {
             up_at = hold_from;
@@ -198,10 +201,12 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     // highest the torso rose, counted by how upright it was then.
     result["getup_seconds"] = up_at >= 0 ? up_at - getup_start : options.seconds;
     result["peak_height"] = peak;
+    result["upright_seconds"] = upright_seconds;
     result["motion_seconds"] = getting_up.duration();
-    if (fell && !watch.detections().empty()) {
-        result["detected_at"] = watch.detections().back();
-        result["detection_delay"] = watch.detections().back() - result["fell_at"].get<double>();
+    if (fell && watch.detections().size() > detections_before) {
+        const double seen = watch.detections()[detections_before];
+        result["detected_at"] = seen;
+        result["detection_delay"] = seen - result["fell_at"].get<double>();
     }
     result["false_alarms"] = watch.false_alarms();
     return result;
