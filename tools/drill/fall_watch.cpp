@@ -4,7 +4,6 @@
 #include <orvo/fall/fall_params.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 
 namespace orvo::drill {
@@ -26,16 +25,22 @@ void FallWatch::update(const Trial& trial) {
         detections_.push_back(trial.perception().game_state.time);
     }
     was_down_ = down;
+    const double now = trial.game_time();
     if (trial.falls() > falls_seen_) {
-        monitor_falls_.push_back(trial.game_time());
+        monitor_falls_.push_back(now);
         falls_seen_ = trial.falls();
+        down_spells_.emplace_back(now, now);
+    }
+    if (trial.truth() != nullptr && trial.truth()->fallen() && !down_spells_.empty()) {
+        down_spells_.back().second = now;
     }
 }
 
 int FallWatch::false_alarms() const {
     return static_cast<int>(std::count_if(detections_.begin(), detections_.end(), [&](double at) {
-        return std::none_of(monitor_falls_.begin(), monitor_falls_.end(),
-                            [at](double fell) { return std::fabs(fell - at) <= match_seconds; });
+        return std::none_of(down_spells_.begin(), down_spells_.end(), [at](const auto& spell) {
+            return at >= spell.first - match_seconds && at <= spell.second + match_seconds;
+        });
     }));
 }
 

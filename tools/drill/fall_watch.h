@@ -7,6 +7,7 @@
 #include <orvo/robot/joints.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orvo::drill {
@@ -23,13 +24,16 @@ public:
     const std::vector<double>& detections() const { return detections_; }
     /// When the monitor first showed each fall.
     const std::vector<double>& monitor_falls() const { return monitor_falls_; }
-    /// Detections with no fall by the monitor within a second either side.
+    /// Detections made when the monitor showed the robot down at no time
+    /// within a second either side.
     int false_alarms() const;
 
 private:
     fall::FallDetector detector_;
     std::vector<double> detections_;
     std::vector<double> monitor_falls_;
+    /// Every stretch of game time in which the monitor showed the robot down.
+    std::vector<std::pair<double, double>> down_spells_;
     bool was_down_ = false;
     int falls_seen_ = 0;
 };

@@ -139,6 +139,42 @@ void drop(Cycle& cycle, const params::ParamSet& set, const std::string& from, in
     }
 }
 
+/// How a get-up went, by the monitor.
+struct Rise {
+    double up_at = -1; ///< start of the first second upright, -1 if none
+    double peak = 0;   ///< highest torso after landing, times the cosine of its tilt
+    double upright_seconds = 0;
+};
+
+/// Plays the get-up for at most `seconds`, until the robot has stood for the
+/// hold, and half a second more (so that its own detector has seen the hold too).
+Rise get_up(Cycle& cycle, getup::GetUp& getting_up, double seconds) {
+    const Trial& trial = cycle.trial;
+    Rise rise;
+    double hold_from = -1;
+    bool landed = false;
+    for (int i = 0; i < seconds * cycles_per_second && rise.up_at < 0; ++i) {
+        getting_up.update(trial.perception());
+        cycle(joint_command(getting_up.speeds(), getting_up.joints()));
+        landed = landed || trial.tilt() >= lying_tilt;
+        if (landed) {
+            rise.peak =
+                std::max(rise.peak, trial.height() * std::cos(trial.tilt() * radians_per_degree));
+        }
+        const bool up = trial.tilt() <= up_tilt && trial.height() >= up_height;
+        rise.upright_seconds += up ? robot::cycle_seconds : 0;
+        hold_from = !up ? -1 : hold_from < 0 ? trial.game_time() : hold_from;
+        if (hold_from >= 0 && trial.game_time() - hold_from >= up_hold) {
+            rise.up_at = hold_from;
+        }
+    }
+    for (int i = 0; rise.up_at >= 0 && i < settle_seconds * cycles_per_second; ++i) {
+        getting_up.update(trial.perception());
+        cycle(joint_command(getting_up.speeds(), getting_up.joints()));
+    }
+    return rise;
+}
+
 nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
                          const params::ParamSet& set, const walk::WalkParams& walk_params,
                          int run) {
@@ -164,31 +200,8 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     const fall::Posture lying = watch.detector().posture();
     getting_up.start(lying);
     const double getup_start = trial.perception().game_state.time;
-    double hold_from = -1;
-    double up_at = -1;
-    double peak = 0;
-    double upright_seconds = 0;
-    bool landed = false;
-    for (int i = 0; i < options.seconds * cycles_per_second && up_at < 0; ++i) {
-        getting_up.update(trial.perception());
-        cycle(joint_command(getting_up.speeds(), getting_up.joints()));
-        landed = landed || trial.tilt() >= lying_tilt;
-        if (landed) {
-            peak = std::max(peak, trial.height() * std::cos(trial.tilt() * radians_per_degree));
-        }
-        const bool up = trial.tilt() <= up_tilt && trial.height() >= up_height;
-        upright_seconds += up ? robot::cycle_seconds : 0;
-        hold_from = !up ? -1 : hold_from < 0 ? trial.game_time() : hold_from;
-        if (hold_from >= 0 && trial.game_time() - hold_from >= up_hold) {
-            up_at = hold_from;
-        }
-    }
-    // A little longer standing, so that the robot's own detector has seen
-    // its hold too.
-    for (int i = 0; up_at >= 0 && i < settle_seconds * cycles_per_second; ++i) {
-        getting_up.update(trial.perception());
-        cycle(joint_command(getting_up.speeds(), getting_up.joints()));
-    }
+    const Rise rise = get_up(cycle, getting_up, options.seconds);
+    const double up_at = rise.up_at;
     nlohmann::json result = trial.record("getup", options, run, start_time);
     const bool fell = !watch.monitor_falls().empty() && trial.falls() > falls_before;
     result["fell_at"] = fell ? nlohmann::json(watch.monitor_falls()[falls_before]) : nullptr;
@@ -200,8 +213,8 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     // For searches, which need a number however far a candidate got: the
     // highest the torso rose, counted by how upright it was then.
     result["getup_seconds"] = up_at >= 0 ? up_at - getup_start : options.seconds;
-    result["peak_height"] = peak;
-    result["upright_seconds"] = upright_seconds;
+    result["peak_height"] = rise.peak;
+    result["upright_seconds"] = rise.upright_seconds;
     result["motion_seconds"] = getting_up.duration();
     if (fell && watch.detections().size() > detections_before) {
         const double seen = watch.detections()[detections_before];
