@@ -107,6 +107,12 @@
 #include <orvo/world/world_model.h>
 #include <orvo/world/world_params.h>
 
+// falls and getting up
+#include <orvo/fall/fall_detector.h>
+#include <orvo/fall/fall_params.h>
+#include <orvo/getup/getup.h>
+#include <orvo/getup/getup_motions.h>
+#include <orvo/getup/skill_getup.h>
 // walk
 #include <orvo/walk/gait.h>
 #include <orvo/walk/leg_targets.h>

@@ -3,6 +3,10 @@
 
 #include "drill_options.h"
 
+#include <nlohmann/json.hpp>
+
+#include <string>
+
 namespace orvo::drill {
 
 /// Each drill: its usage lines and its run, which reads its arguments and
@@ -13,6 +17,10 @@ extern const char* const localize_usage;
 int run_localize(Arguments& arguments);
 extern const char* const kick_usage;
 int run_kick(Arguments& arguments);
+extern const char* const getup_usage;
+int run_getup(Arguments& arguments);
+/// One run of the get-up drill with the type's installed parameters: its JSON.
+nlohmann::json getup_once(const DrillOptions& options, const std::string& from);
 
 /// Fails with a clear message when no server can be started here and none is
 /// given.

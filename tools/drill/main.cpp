@@ -20,6 +20,7 @@ const Drill drills[] = {
     {"walk", orvo::drill::walk_usage, orvo::drill::run_walk},
     {"localize", orvo::drill::localize_usage, orvo::drill::run_localize},
     {"kick", orvo::drill::kick_usage, orvo::drill::run_kick},
+    {"getup", orvo::drill::getup_usage, orvo::drill::run_getup},
 };
 
 void print_usage() {

@@ -53,6 +53,10 @@ const perception::Perception& Trial::step(const std::string& commands) {
     return perception_;
 }
 
+const std::string& Trial::payload() const {
+    return robot_->last();
+}
+
 void Trial::catch_up() {
     constexpr double lag = 0.05;
     constexpr int tries = 40;
@@ -85,6 +89,10 @@ void Trial::watch() {
 
 std::optional<FieldPose> Trial::pose() const {
     return pose_;
+}
+
+const monitor::RobotTruth* Trial::truth() const {
+    return monitor_->robot(monitor::Side::left, number_);
 }
 
 double Trial::game_time() const {

@@ -44,12 +44,16 @@ public:
     /// One cycle: sends `commands` and reads the next perception.
     const perception::Perception& step(const std::string& commands);
     const perception::Perception& perception() const { return perception_; }
+    /// The text of the last perception, as the server sent it.
+    const std::string& payload() const;
 
     /// Waits (briefly) until the monitor has shown the game up to the robot's
     /// last perception: the monitor's stream lags behind in bursts.
     void catch_up();
     /// The robot's pose by the monitor, once it has seen the robot.
     std::optional<FieldPose> pose() const;
+    /// Everything the monitor shows of the robot, once it has seen it.
+    const monitor::RobotTruth* truth() const;
     /// Game time by the monitor, seconds.
     double game_time() const;
     /// Everything the monitor shows now.

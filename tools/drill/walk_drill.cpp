@@ -1,4 +1,5 @@
 #include "drills.h"
+#include "fall_watch.h"
 #include "summary.h"
 #include "trial.h"
 
@@ -94,6 +95,7 @@ struct Cycle {
     walk::Walker& walker;
     bool trace;
     std::vector<double> agent_us;
+    FallWatch falls;
 
     void operator()() {
         const auto begin = std::chrono::steady_clock::now();
@@ -103,6 +105,7 @@ struct Cycle {
             std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - begin)
                 .count());
         trial.step(command);
+        falls.update(trial);
         if (trace) {
             drill::trace(trial, walker);
         }
@@ -113,7 +116,7 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
                         const walk::WalkParams& params, int run, std::mt19937& random) {
     Trial trial(options, start_spot);
     walk::Walker walker(body::BodyModel::for_type(options.type), params);
-    Cycle cycle{trial, walker, walk.trace, {}};
+    Cycle cycle{trial, walker, walk.trace, {}, FallWatch(options.type)};
     const int cycles_per_second = static_cast<int>(std::lround(1 / robot::cycle_seconds));
     for (int i = 0; i < stand_seconds * cycles_per_second; ++i) {
         cycle();
@@ -156,6 +159,8 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
     result["sideways_mps"] = moved.y / elapsed;
     result["turn_dps"] = moved.heading / elapsed;
     result["agent_us_median"] = median(cycle.agent_us);
+    // Each time the robot's fall detector said it fell when the monitor saw no fall.
+    result["false_alarms"] = cycle.falls.false_alarms();
     result["odometry"] = {walker.odometry().x, walker.odometry().y, walker.odometry().heading};
     if (walk.paths) {
         path.push_back({end.x, end.y});
@@ -215,8 +220,8 @@ int run_walk(Arguments& arguments) {
                   << '\n';
         summary.add(walk_run(options, walk, params, run, random));
     }
-    summary.print(std::cerr, {"forward_mps", "sideways_mps", "turn_dps", "falls", "miss_m",
-                              "agent_us_median"});
+    summary.print(std::cerr, {"forward_mps", "sideways_mps", "turn_dps", "falls", "false_alarms",
+                              "miss_m", "agent_us_median"});
     return 0;
 }
 

@@ -1,0 +1,61 @@
+#include "fall_watch.h"
+
+#include <orvo/body/body_model.h>
+#include <orvo/fall/fall_params.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace orvo::drill {
+
+namespace {
+
+/// A detection this close to a fall the monitor showed is that fall.
+constexpr double match_seconds = 1.0;
+
+} // namespace
+
+FallWatch::FallWatch(int type)
+    : detector_(body::BodyModel::for_type(type), fall::FallParams::for_type(type)) {}
+
+void FallWatch::update(const Trial& trial) {
+    detector_.update(trial.perception());
+    const bool down = detector_.down();
+    if (down && !was_down_) {
+        detections_.push_back(trial.perception().game_state.time);
+    }
+    was_down_ = down;
+    const double now = trial.game_time();
+    if (trial.falls() > falls_seen_) {
+        monitor_falls_.push_back(now);
+        falls_seen_ = trial.falls();
+        down_spells_.emplace_back(now, now);
+    }
+    if (trial.truth() != nullptr && trial.truth()->fallen() && !down_spells_.empty()) {
+        down_spells_.back().second = now;
+    }
+}
+
+int FallWatch::false_alarms() const {
+    return static_cast<int>(std::count_if(detections_.begin(), detections_.end(), [&](double at) {
+        return std::none_of(down_spells_.begin(), down_spells_.end(), [at](const auto& spell) {
+            return at >= spell.first - match_seconds && at <= spell.second + match_seconds;
+        });
+    }));
+}
+
+std::string joint_command(const robot::JointValues& speeds, const robot::JointSet& joints) {
+    std::string command;
+    char part[48];
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        if (joints.test(i)) {
+            const auto& joint = robot::joint_table()[i];
+            std::snprintf(part, sizeof part, "(%.*s %.4f)", static_cast<int>(joint.effector.size()),
+                          joint.effector.data(), speeds[i]);
+            command += part;
+        }
+    }
+    return command;
+}
+
+} // namespace orvo::drill
