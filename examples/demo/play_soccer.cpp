@@ -4,6 +4,7 @@
 #include "world_model.h"
 
 #include <orvo/beliefs/belief_drawings.h>
+#include <orvo/getup/skill_getup.h>
 #include <orvo/head/skill_head.h>
 #include <orvo/knowledgebase/injectors/injector_action.h>
 #include <orvo/params/param_set.h>
@@ -18,8 +19,6 @@ namespace {
 
 using orvo::params::params_path;
 constexpr double degrees = 180 / M_PI;
-/// A robot tilted this far is down: it must not walk.
-constexpr double fallen_deg = 50;
 /// Team-mates count while seen this recently (s).
 constexpr double mates_recent_s = 3;
 /// The ball counts while seen this recently (s).
@@ -64,12 +63,14 @@ void PlaySoccer::link(orvo::Class_Map& classes) {
     walker = orvo::get_class<orvo::walk::Skill_Walk>(*this, "skill_walk", classes);
     head = orvo::get_class<orvo::head::Skill_Head>(*this, "skill_head", classes);
     joints = orvo::get_class<orvo::skills::Skill_Joints>(*this, "skill_joints", classes);
+    getup = orvo::get_class<orvo::getup::Skill_GetUp>(*this, "skill_getup", classes);
 }
 
 void PlaySoccer::init() {
     const int type = static_cast<int>(configuration->settings.type);
     walker->set_robot_type(type);
     walker->leave_head();
+    getup->set_robot_type(type);
     head->set_params(orvo::head::HeadParams::load(params_path("head", type)));
     belief_ = std::make_unique<orvo::world::WorldModel>(
         orvo::world::WorldParams::load(params_path("world", type)));
@@ -144,16 +145,18 @@ void PlaySoccer::operator()() {
     belief_->update(now, orvo::world::step_between(odometry_.x, odometry_.y, odometry_.heading,
                                                    moved.x, moved.y, moved.heading));
     odometry_ = moved;
+    orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
     decision_ = decide(situation(), params_);
-    if (belief_->tilt_deg() > fallen_deg) {
+    // A robot on the ground gets up first: the get-up has every joint then,
+    // and the walk starts again from its stand.
+    if ((*getup)(now)) {
         walker->walker().stop();
-    } else {
-        walk(decision_);
+        return;
     }
+    walk(decision_);
     (*walker)(now);
     (*head)(*belief_, now.time);
     (*joints)(world->joint_angles(), now.time);
-    orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
 }
 
 } // namespace demo

@@ -12,6 +12,9 @@
 namespace orvo::knowledgebase::injectors {
 class Injector_Action;
 }
+namespace orvo::getup {
+class Skill_GetUp;
+}
 namespace orvo::head {
 class Skill_Head;
 }
@@ -31,7 +34,7 @@ class WorldModel;
 /// player's belief (where it is, the ball, the others) takes the perception
 /// and what the walk moved; it picks its role (keeper, chaser or support,
 /// see decide()) and walks there through "skill_walk", the head aimed by
-/// "skill_head". A fallen robot stands still until it is up again.
+/// "skill_head". A fallen robot gets up first ("skill_getup").
 class PlaySoccer : public orvo::behaviors::Behavior {
 public:
     PlaySoccer();
@@ -56,6 +59,7 @@ private:
     orvo::walk::Skill_Walk* walker = nullptr;
     orvo::head::Skill_Head* head = nullptr;
     orvo::skills::Skill_Joints* joints = nullptr;
+    orvo::getup::Skill_GetUp* getup = nullptr;
 
     std::unique_ptr<orvo::world::WorldModel> belief_;
     PlayParams params_;
