@@ -38,6 +38,10 @@ struct ORVO_API WalkParams {
     double accel_forward = 0; ///< m/s per second
     double accel_sideways = 0;
     double accel_turn = 0; ///< deg/s per second
+    /// How the shares of the limits add up when the walk moves in more than
+    /// one way at once: their sum of this power stays within one (2 an
+    /// ellipsoid, 1 a diamond: smaller combined steps).
+    double combine_power = 0;
     // Feedback from the gyroscope (deg of joint per deg/s) and the tilt.
     double gyro_ankle_pitch = 0;
     double gyro_ankle_roll = 0;

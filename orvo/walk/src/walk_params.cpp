@@ -25,6 +25,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(accel_forward);
     ORVO_WALK_PARAM(accel_sideways);
     ORVO_WALK_PARAM(accel_turn);
+    ORVO_WALK_PARAM(combine_power);
     ORVO_WALK_PARAM(gyro_ankle_pitch);
     ORVO_WALK_PARAM(gyro_ankle_roll);
     ORVO_WALK_PARAM(gyro_hip_roll);

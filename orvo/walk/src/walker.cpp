@@ -37,12 +37,16 @@ Velocity Walker::limited(const Velocity& wanted) const {
                       std::clamp(wanted.sideways, -params_.max_sideways, params_.max_sideways),
                       std::clamp(wanted.turn, -params_.max_turn, params_.max_turn)};
     // Each limit holds alone; together they would ask for steps no leg can
-    // take, so a combination is scaled down into the ellipsoid they span.
+    // take (a foot turning out far while stepping far trips the robot), so a
+    // combination is scaled down into the body the limits span.
+    const double power = params_.combine_power;
     const double forward =
         velocity.forward / (velocity.forward < 0 ? params_.max_backward : params_.max_forward);
     const double share =
-        std::sqrt(forward * forward + std::pow(velocity.sideways / params_.max_sideways, 2) +
-                  std::pow(velocity.turn / params_.max_turn, 2));
+        std::pow(std::pow(std::fabs(forward), power) +
+                     std::pow(std::fabs(velocity.sideways / params_.max_sideways), power) +
+                     std::pow(std::fabs(velocity.turn / params_.max_turn), power),
+                 1 / power);
     if (share > 1) {
         velocity.forward /= share;
         velocity.sideways /= share;
@@ -159,9 +163,9 @@ Velocity Walker::steered() const {
     if (still(target_)) {
         return velocity;
     }
-    velocity.turn = std::clamp(velocity.turn - params_.heading_gain * drift_, -params_.max_turn,
-                               params_.max_turn);
-    return velocity;
+    // The correction counts against the limits like any other turn.
+    velocity.turn -= params_.heading_gain * drift_;
+    return limited(velocity);
 }
 
 void Walker::sense(const perception::Perception& perception) {
