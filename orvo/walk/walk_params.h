@@ -49,6 +49,10 @@ struct ORVO_API WalkParams {
     double tilt_pitch = 0;  ///< hip pitch per degree of forward tilt beyond the lean
     double tilt_roll = 0;   ///< hip roll per degree of sideways tilt
     double tilt_filter = 0; ///< share of a new tilt reading taken each cycle
+    /// The first step waits until the torso is steady: tilted no more than
+    /// this (deg) from the lean and turning no faster than start_gyro (deg/s).
+    double start_tilt = 0;
+    double start_gyro = 0;
     // Arms and joint control.
     double arm_pitch = 0;
     double arm_roll = 0;

@@ -32,6 +32,8 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(tilt_pitch);
     ORVO_WALK_PARAM(tilt_roll);
     ORVO_WALK_PARAM(tilt_filter);
+    ORVO_WALK_PARAM(start_tilt);
+    ORVO_WALK_PARAM(start_gyro);
     ORVO_WALK_PARAM(arm_pitch);
     ORVO_WALK_PARAM(arm_roll);
     ORVO_WALK_PARAM(arm_swing);

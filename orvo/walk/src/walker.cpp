@@ -120,7 +120,7 @@ void Walker::track_odometry(const Offset& before) {
 
 void Walker::step_on(const perception::Perception& perception) {
     if (!walking_) {
-        if (still(target_) && still(velocity_)) {
+        if ((still(target_) && still(velocity_)) || !steady()) {
             return;
         }
         // The first swing goes to the side the robot moves to.
@@ -155,6 +155,14 @@ void Walker::step_on(const perception::Perception& perception) {
     }
     last_step_ = false;
     gait_.begin(next, steered(), 1);
+}
+
+bool Walker::steady() const {
+    // A robot still rocking from its landing or a stop would start its first
+    // step off balance; without the sensors it starts at once.
+    const bool level = !has_tilt_ || (std::fabs(tilt_.pitch - params_.lean) <= params_.start_tilt &&
+                                      std::fabs(tilt_.roll) <= params_.start_tilt);
+    return level && gyro_.norm() <= params_.start_gyro;
 }
 
 Velocity Walker::steered() const {
@@ -238,7 +246,10 @@ void Walker::update(const perception::Perception& perception) {
     if (spot_) {
         steer_to_spot();
     }
-    accelerate();
+    // Standing, the velocity waits with the first step for a steady torso.
+    if (walking_ || steady()) {
+        accelerate();
+    }
     step_on(perception);
     pose_joints();
     controller_.step(targets_, rates_, angles_, joints_, speeds_);
