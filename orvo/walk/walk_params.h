@@ -65,11 +65,15 @@ struct ORVO_API WalkParams {
     double odometry_forward = 0;
     double odometry_sideways = 0;
     double odometry_turn = 0;
+    /// m/s forward the body drifts while stepping, beyond its steps: the
+    /// stance leans it on a little with every step, even stepping in place.
+    double odometry_creep = 0;
     // Walking to a spot.
     double goto_gain = 0;      ///< forward m/s per metre left
+    double goto_speed = 0;     ///< fastest forward m/s toward a spot: slower slips less
     double goto_turn_gain = 0; ///< deg/s per degree off the spot's bearing
     double goto_radius = 0;
-    double goto_near = 0; ///< within this it steps to the spot without turning    ///< close enough
+    double goto_near = 0;      ///< within this it steps to the spot without turning
     double goto_turn_only = 0; ///< bearing beyond which it turns on the spot
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.

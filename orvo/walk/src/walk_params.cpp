@@ -44,7 +44,9 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(odometry_forward);
     ORVO_WALK_PARAM(odometry_sideways);
     ORVO_WALK_PARAM(odometry_turn);
+    ORVO_WALK_PARAM(odometry_creep);
     ORVO_WALK_PARAM(goto_gain);
+    ORVO_WALK_PARAM(goto_speed);
     ORVO_WALK_PARAM(goto_turn_gain);
     ORVO_WALK_PARAM(goto_radius);
     ORVO_WALK_PARAM(goto_near);

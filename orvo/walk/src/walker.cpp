@@ -92,7 +92,7 @@ void Walker::steer_to_spot() {
     target_.turn =
         std::clamp(params_.goto_turn_gain * bearing, -params_.max_turn, params_.max_turn);
     if (std::fabs(bearing) < params_.goto_turn_only) {
-        const double speed = std::min(params_.max_forward, params_.goto_gain * distance);
+        const double speed = std::min(params_.goto_speed, params_.goto_gain * distance);
         target_.forward = speed * std::cos(bearing * radians_per_degree);
     }
     target_ = limited(target_);
@@ -110,7 +110,8 @@ void Walker::track_odometry(const Offset& before) {
     // The support foot stays where it is on the ground: whatever it moved
     // relative to the hips, the body moved the other way.
     const Offset after = gait_.offset(gait_.support());
-    const double forward = (before.x - after.x) * params_.odometry_forward;
+    const double forward = (before.x - after.x) * params_.odometry_forward +
+                           params_.odometry_creep * robot::cycle_seconds;
     const double sideways = (before.y - after.y) * params_.odometry_sideways;
     const double heading = odometry_.heading * radians_per_degree;
     odometry_.x += std::cos(heading) * forward - std::sin(heading) * sideways;
