@@ -4,7 +4,7 @@
 # the spot at the fastest speeds the parameters allow, a random velocity
 # every 2 s, and a walk to a spot 5 m ahead. Writes every run's JSON, a table
 # (table.md) and the torso paths (paths.svg) into build/bench-walk.
-#   scripts/bench-walk.sh [runs] [seconds]     (default 10 runs of 10 s)
+#   [BENCH_JOBS=2] scripts/bench-walk.sh [runs] [seconds]   (default 10 runs of 10 s, one drill at a time)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 runs=${1:-10}
@@ -17,17 +17,18 @@ rm -f "$out"/*.jsonl
 # Velocities beyond the limits: the walk clamps them to its parameters' maxima.
 declare -A motions=([forward]="--velocity 9 0 0" [backward]="--velocity -9 0 0"
   [sideways]="--velocity 0 9 0" [turning]="--velocity 0 0 900" [schedule]="--schedule")
-for type in 0 1 2 3 4; do
-  for motion in forward backward sideways turning schedule; do
-    echo "type $type $motion" >&2
-    # shellcheck disable=SC2086
-    "$drill" walk --type "$type" ${motions[$motion]} --seconds "$seconds" --runs "$runs" --paths \
-      2> "$out/type$type-$motion.log" > "$out/type$type-$motion.jsonl"
+# One drill per line: name, then its arguments; BENCH_JOBS of them at a time
+# (each starts its own servers on free ports).
+{
+  echo "type0-to --type 0 --to 5 0 --seconds 30"
+  for type in 0 1 2 3 4; do
+    for motion in forward backward sideways turning schedule; do
+      echo "type$type-$motion --type $type ${motions[$motion]} --seconds $seconds"
+    done
   done
-done
-echo "type 0 to a spot 5 m ahead" >&2
-"$drill" walk --type 0 --to 5 0 --seconds 30 --runs "$runs" --paths \
-  2> "$out/type0-to.log" > "$out/type0-to.jsonl"
+} | xargs -P "${BENCH_JOBS:-1}" -L 1 bash -c \
+  'echo "$0" >&2; "'"$drill"'" walk "$@" --runs '"$runs"' --paths 2> "'"$out"'/$0.log" > "'"$out"'/$0.jsonl"' ||
+  echo "some drills failed: see their logs in $out" >&2
 python3 - "$out" "$runs" "$seconds" <<'PY'
 import glob, json, os, statistics, sys
 out, runs, seconds = sys.argv[1], sys.argv[2], sys.argv[3]

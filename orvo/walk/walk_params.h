@@ -38,6 +38,10 @@ struct ORVO_API WalkParams {
     double accel_forward = 0; ///< m/s per second
     double accel_sideways = 0;
     double accel_turn = 0; ///< deg/s per second
+    /// How the shares of the limits add up when the walk moves in more than
+    /// one way at once: their sum of this power stays within one (2 an
+    /// ellipsoid, 1 a diamond: smaller combined steps).
+    double combine_power = 0;
     // Feedback from the gyroscope (deg of joint per deg/s) and the tilt.
     double gyro_ankle_pitch = 0;
     double gyro_ankle_roll = 0;
@@ -45,6 +49,10 @@ struct ORVO_API WalkParams {
     double tilt_pitch = 0;  ///< hip pitch per degree of forward tilt beyond the lean
     double tilt_roll = 0;   ///< hip roll per degree of sideways tilt
     double tilt_filter = 0; ///< share of a new tilt reading taken each cycle
+    /// The first step waits until the torso is steady: tilted no more than
+    /// this (deg) from the lean and turning no faster than start_gyro (deg/s).
+    double start_tilt = 0;
+    double start_gyro = 0;
     // Arms and joint control.
     double arm_pitch = 0;
     double arm_roll = 0;
@@ -57,11 +65,15 @@ struct ORVO_API WalkParams {
     double odometry_forward = 0;
     double odometry_sideways = 0;
     double odometry_turn = 0;
+    /// m/s forward the body drifts while stepping, beyond its steps: the
+    /// stance leans it on a little with every step, even stepping in place.
+    double odometry_creep = 0;
     // Walking to a spot.
     double goto_gain = 0;      ///< forward m/s per metre left
+    double goto_speed = 0;     ///< fastest forward m/s toward a spot: slower slips less
     double goto_turn_gain = 0; ///< deg/s per degree off the spot's bearing
     double goto_radius = 0;
-    double goto_near = 0; ///< within this it steps to the spot without turning    ///< close enough
+    double goto_near = 0;      ///< within this it steps to the spot without turning
     double goto_turn_only = 0; ///< bearing beyond which it turns on the spot
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.

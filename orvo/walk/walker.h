@@ -69,6 +69,8 @@ private:
     void steer_to_spot();
     Velocity limited(const Velocity& wanted) const;
     void accelerate();
+    /// True when the torso is steady enough to take a first step.
+    bool steady() const;
     /// The velocity for the next step, turning back the drift.
     Velocity steered() const;
     void step_on(const perception::Perception& perception);

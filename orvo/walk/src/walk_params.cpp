@@ -25,12 +25,15 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(accel_forward);
     ORVO_WALK_PARAM(accel_sideways);
     ORVO_WALK_PARAM(accel_turn);
+    ORVO_WALK_PARAM(combine_power);
     ORVO_WALK_PARAM(gyro_ankle_pitch);
     ORVO_WALK_PARAM(gyro_ankle_roll);
     ORVO_WALK_PARAM(gyro_hip_roll);
     ORVO_WALK_PARAM(tilt_pitch);
     ORVO_WALK_PARAM(tilt_roll);
     ORVO_WALK_PARAM(tilt_filter);
+    ORVO_WALK_PARAM(start_tilt);
+    ORVO_WALK_PARAM(start_gyro);
     ORVO_WALK_PARAM(arm_pitch);
     ORVO_WALK_PARAM(arm_roll);
     ORVO_WALK_PARAM(arm_swing);
@@ -41,7 +44,9 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(odometry_forward);
     ORVO_WALK_PARAM(odometry_sideways);
     ORVO_WALK_PARAM(odometry_turn);
+    ORVO_WALK_PARAM(odometry_creep);
     ORVO_WALK_PARAM(goto_gain);
+    ORVO_WALK_PARAM(goto_speed);
     ORVO_WALK_PARAM(goto_turn_gain);
     ORVO_WALK_PARAM(goto_radius);
     ORVO_WALK_PARAM(goto_near);

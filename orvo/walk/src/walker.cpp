@@ -37,12 +37,16 @@ Velocity Walker::limited(const Velocity& wanted) const {
                       std::clamp(wanted.sideways, -params_.max_sideways, params_.max_sideways),
                       std::clamp(wanted.turn, -params_.max_turn, params_.max_turn)};
     // Each limit holds alone; together they would ask for steps no leg can
-    // take, so a combination is scaled down into the ellipsoid they span.
+    // take (a foot turning out far while stepping far trips the robot), so a
+    // combination is scaled down into the body the limits span.
+    const double power = params_.combine_power;
     const double forward =
         velocity.forward / (velocity.forward < 0 ? params_.max_backward : params_.max_forward);
     const double share =
-        std::sqrt(forward * forward + std::pow(velocity.sideways / params_.max_sideways, 2) +
-                  std::pow(velocity.turn / params_.max_turn, 2));
+        std::pow(std::pow(std::fabs(forward), power) +
+                     std::pow(std::fabs(velocity.sideways / params_.max_sideways), power) +
+                     std::pow(std::fabs(velocity.turn / params_.max_turn), power),
+                 1 / power);
     if (share > 1) {
         velocity.forward /= share;
         velocity.sideways /= share;
@@ -88,7 +92,7 @@ void Walker::steer_to_spot() {
     target_.turn =
         std::clamp(params_.goto_turn_gain * bearing, -params_.max_turn, params_.max_turn);
     if (std::fabs(bearing) < params_.goto_turn_only) {
-        const double speed = std::min(params_.max_forward, params_.goto_gain * distance);
+        const double speed = std::min(params_.goto_speed, params_.goto_gain * distance);
         target_.forward = speed * std::cos(bearing * radians_per_degree);
     }
     target_ = limited(target_);
@@ -106,7 +110,8 @@ void Walker::track_odometry(const Offset& before) {
     // The support foot stays where it is on the ground: whatever it moved
     // relative to the hips, the body moved the other way.
     const Offset after = gait_.offset(gait_.support());
-    const double forward = (before.x - after.x) * params_.odometry_forward;
+    const double forward = (before.x - after.x) * params_.odometry_forward +
+                           params_.odometry_creep * robot::cycle_seconds;
     const double sideways = (before.y - after.y) * params_.odometry_sideways;
     const double heading = odometry_.heading * radians_per_degree;
     odometry_.x += std::cos(heading) * forward - std::sin(heading) * sideways;
@@ -116,7 +121,7 @@ void Walker::track_odometry(const Offset& before) {
 
 void Walker::step_on(const perception::Perception& perception) {
     if (!walking_) {
-        if (still(target_) && still(velocity_)) {
+        if ((still(target_) && still(velocity_)) || !steady()) {
             return;
         }
         // The first swing goes to the side the robot moves to.
@@ -153,15 +158,23 @@ void Walker::step_on(const perception::Perception& perception) {
     gait_.begin(next, steered(), 1);
 }
 
+bool Walker::steady() const {
+    // A robot still rocking from its landing or a stop would start its first
+    // step off balance; without the sensors it starts at once.
+    const bool level = !has_tilt_ || (std::fabs(tilt_.pitch - params_.lean) <= params_.start_tilt &&
+                                      std::fabs(tilt_.roll) <= params_.start_tilt);
+    return level && gyro_.norm() <= params_.start_gyro;
+}
+
 Velocity Walker::steered() const {
     Velocity velocity = velocity_;
     // Stopping, it brings its feet together rather than turning back.
     if (still(target_)) {
         return velocity;
     }
-    velocity.turn = std::clamp(velocity.turn - params_.heading_gain * drift_, -params_.max_turn,
-                               params_.max_turn);
-    return velocity;
+    // The correction counts against the limits like any other turn.
+    velocity.turn -= params_.heading_gain * drift_;
+    return limited(velocity);
 }
 
 void Walker::sense(const perception::Perception& perception) {
@@ -234,7 +247,10 @@ void Walker::update(const perception::Perception& perception) {
     if (spot_) {
         steer_to_spot();
     }
-    accelerate();
+    // Standing, the velocity waits with the first step for a steady torso.
+    if (walking_ || steady()) {
+        accelerate();
+    }
     step_on(perception);
     pose_joints();
     controller_.step(targets_, rates_, angles_, joints_, speeds_);

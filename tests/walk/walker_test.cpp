@@ -1,0 +1,41 @@
+// The walker without a server: it takes its first step only from a steady
+// torso, fed made-up perceptions of a tilted or rocking one.
+#include <orvo/body/body_model.h>
+#include <orvo/walk/walker.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+namespace {
+
+TEST(Walker, FirstStepWaitsForASteadyTorso) {
+    const auto params = orvo::walk::WalkParams::from(
+        orvo::walk::ParamSet::load(std::string(ORVO_PARAMS) + "/walk/type0.json"));
+    struct Case {
+        double pitch, rate; // deg forward, deg/s about the forward axis
+        bool walks;
+    };
+    for (const Case& c : {Case{params.lean, 0, true},
+                          {params.lean + 2 * params.start_tilt, 0, false},
+                          {params.lean - 2 * params.start_tilt, 0, false},
+                          {params.lean, 2 * params.start_gyro, false}}) {
+        orvo::perception::Perception torso; // the server's torso frame: x right, y forward
+        torso.has_accelerometer = torso.has_gyroscope = true;
+        const double angle = c.pitch * 3.14159265358979 / 180;
+        torso.accelerometer = {0, float(-9.81 * std::sin(angle)), float(9.81 * std::cos(angle))};
+        torso.gyroscope = {0, float(c.rate), 0};
+        orvo::walk::Walker walker(orvo::body::BodyModel::for_type(0), params);
+        for (int i = 0; i < 75; ++i) {
+            walker.set_velocity(i < 25 ? 0 : 0.3, 0, 0);
+            walker.update(torso);
+        }
+        SCOPED_TRACE(testing::Message() << "pitch " << c.pitch << " rate " << c.rate);
+        EXPECT_EQ(!walker.standing(), c.walks);
+        // Waiting, it gathers no speed for a sudden first step.
+        EXPECT_EQ(walker.velocity().forward == 0, !c.walks);
+    }
+}
+
+} // namespace
