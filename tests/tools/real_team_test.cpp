@@ -42,34 +42,10 @@ struct Outcome {
     std::string error;
 };
 
-// Robots step in their own threads, as agent processes would. A robot that
-// connects while the others' "(syn)"s are moving the server through a cycle
-// can stall a server in sync mode for good (measured: 6 of 14 teams of eleven
-// stalled; none of 25 with this gate): the others hold their "(syn)" while
-// one connects, so it connects to a server at rest.
-class JoinGate {
-public:
-    void syn(sim::SimRobot& robot) {
-        std::shared_lock hold(gate_);
-        robot.send("");
-    }
-    std::unique_ptr<sim::SimRobot> connect(int port, const sim::RobotEntry& entry) {
-        std::unique_lock hold(gate_);
-        constexpr std::chrono::milliseconds settle{30};
-        std::this_thread::sleep_for(settle); // the cycle in progress ends
-        auto robot = std::make_unique<sim::SimRobot>("127.0.0.1", port, entry);
-        std::this_thread::sleep_for(settle); // the server takes the scene at rest
-        return robot;
-    }
-
-private:
-    std::shared_mutex gate_;
-};
-
 // One robot's life: join, beam, then step until the server time the last
 // robot to join set. Every robot leaves after the same cycle: one that leaves
 // sooner stalls a server in sync mode for the others.
-void play(sim::SimRobot& robot, const Spot& spot, JoinGate& gate, std::atomic<int>& joined,
+void play(sim::SimRobot& robot, const Spot& spot, sim::JoinGate& gate, std::atomic<int>& joined,
           std::atomic<double>& stop_at, Outcome& out) {
     try {
         out.number = robot.join();
@@ -97,7 +73,7 @@ TEST(RealTeam, ElevenOfALegalMixJoinAsOneToElevenAndBeamIntoTheirHalf) {
     ORVO_REQUIRE_REAL_SERVER();
     sim::SimServer server;
     monitor::MonitorClient monitor("127.0.0.1", server.monitor_port());
-    JoinGate gate;
+    sim::JoinGate gate;
     std::atomic<int> joined{0};
     std::atomic<double> stop_at{1e9};
     std::vector<Outcome> outcomes(team_size);
@@ -109,7 +85,7 @@ TEST(RealTeam, ElevenOfALegalMixJoinAsOneToElevenAndBeamIntoTheirHalf) {
         while (joined < i && std::chrono::steady_clock::now() < deadline) {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }
-        robots.push_back(gate.connect(server.agent_port(), {team[i].type, 0, "orvo"}));
+        robots.push_back(gate.connect("127.0.0.1", server.agent_port(), {team[i].type, 0, "orvo"}));
         threads.emplace_back(play, std::ref(*robots.back()), std::cref(team[i]), std::ref(gate),
                              std::ref(joined), std::ref(stop_at), std::ref(outcomes[i]));
     }

@@ -1,6 +1,8 @@
 #include "sim_robot.h"
 
 #include <cstdlib>
+#include <mutex>
+#include <thread>
 
 #include <orvo/net/comm_unit.h>
 
@@ -54,6 +56,21 @@ void SimRobot::send(const std::string& commands) {
     outgoing_.assign(commands);
     outgoing_ += "(syn)";
     link_->write_message(outgoing_);
+}
+
+void JoinGate::syn(SimRobot& robot, const std::string& commands) {
+    std::shared_lock hold(gate_);
+    robot.send(commands);
+}
+
+std::unique_ptr<SimRobot> JoinGate::connect(const std::string& host, int port,
+                                            const RobotEntry& entry) {
+    std::unique_lock hold(gate_);
+    constexpr std::chrono::milliseconds settle{30};
+    std::this_thread::sleep_for(settle); // the cycle in progress ends
+    auto robot = std::make_unique<SimRobot>(host, port, entry);
+    std::this_thread::sleep_for(settle); // the server takes the scene at rest
+    return robot;
 }
 
 } // namespace orvo::sim

@@ -45,6 +45,8 @@ struct Shared {
     /// Set at the kick-off: joining goes as fast as the server steps, since
     /// in sync mode every robot already on waits for the one joining.
     std::atomic<bool> playing{false};
+    /// Robots connect while the others hold their "(syn)".
+    JoinGate gate{};
 };
 
 std::string commands_for(Robot& robot, int& collapsing) {
@@ -72,8 +74,10 @@ void play(Shared& shared, Robot& robot, int index) {
         // A mix the referee takes for a full team: five of type 0, four of
         // type 1, two of type 2.
         const int type = robot.number <= 5 ? 0 : robot.number <= 9 ? 1 : 2;
-        SimRobot link("127.0.0.1", shared.agent_port,
-                      {type, robot.number, robot.side == Side::left ? "home" : "away", 20000ms});
+        const std::unique_ptr<SimRobot> connected = shared.gate.connect(
+            "127.0.0.1", shared.agent_port,
+            {type, robot.number, robot.side == Side::left ? "home" : "away", 20000ms});
+        SimRobot& link = *connected;
         link.join(400);
         ++shared.joined;
         int collapsing = 0;
@@ -84,7 +88,8 @@ void play(Shared& shared, Robot& robot, int index) {
                 next = std::max(next + cycle, std::chrono::steady_clock::now());
                 std::this_thread::sleep_until(next);
             }
-            link.step(commands_for(robot, collapsing));
+            shared.gate.syn(link, commands_for(robot, collapsing));
+            link.receive();
         }
     } catch (const std::exception& failure) {
         if (!shared.done) {
