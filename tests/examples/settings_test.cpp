@@ -19,20 +19,21 @@ demo::Settings read(const std::string& text) {
 }
 
 std::tuple<std::string, unsigned, unsigned, std::string, unsigned, unsigned, unsigned, unsigned,
-           std::string, std::string>
+           std::string, std::string, bool, std::string>
 fields(const demo::Settings& s) {
-    return {s.host, s.port,   s.drawing_port, s.team,         s.unum,
-            s.type, s.cycles, s.wait,         s.drawing_host, s.motions};
+    return {s.host,   s.port, s.drawing_port, s.team,    s.unum, s.type,
+            s.cycles, s.wait, s.drawing_host, s.motions, s.play, s.sync_lock};
 }
 
 TEST(Settings, DefaultsPointAtTheLocalServerAndEveryKeyIsRead) {
-    EXPECT_EQ(fields(read("# nothing but a comment\n\n   \n")),
-              fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 0, 10, "", ""}));
+    EXPECT_EQ(
+        fields(read("# nothing but a comment\n\n   \n")),
+        fields(demo::Settings{"localhost", 3100, 15096, "orvo", 0, 0, 0, 10, "", "", false, ""}));
     EXPECT_EQ(fields(read("host 10.0.0.7\nport 3200 # trailing comment\n\tdrawing_port 32769\n"
                           "team blue-2\nunum 11\ntype 4\ncycles 250\nwait 3\n"
-                          "drawing_host 127.0.0.1\nmotions /m\n")),
+                          "drawing_host 127.0.0.1\nmotions /m\nplay 1\nsync_lock /l\n")),
               fields(demo::Settings{"10.0.0.7", 3200, 32769, "blue-2", 11, 4, 250, 3, "127.0.0.1",
-                                    "/m"}));
+                                    "/m", true, "/l"}));
 }
 
 TEST(Settings, MalformedValuesNameFileLineAndValue) {
