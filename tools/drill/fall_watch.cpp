@@ -4,7 +4,6 @@
 #include <orvo/fall/fall_params.h>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace orvo::drill {
 
@@ -42,20 +41,6 @@ int FallWatch::false_alarms() const {
             return at >= spell.first - match_seconds && at <= spell.second + match_seconds;
         });
     }));
-}
-
-std::string joint_command(const robot::JointValues& speeds, const robot::JointSet& joints) {
-    std::string command;
-    char part[48];
-    for (std::size_t i = 0; i < robot::joint_count; ++i) {
-        if (joints.test(i)) {
-            const auto& joint = robot::joint_table()[i];
-            std::snprintf(part, sizeof part, "(%.*s %.4f)", static_cast<int>(joint.effector.size()),
-                          joint.effector.data(), speeds[i]);
-            command += part;
-        }
-    }
-    return command;
 }
 
 } // namespace orvo::drill

@@ -38,9 +38,6 @@ private:
     int falls_seen_ = 0;
 };
 
-/// The speed command of every joint in `joints`, e.g. "(lae1 0.1200)...".
-std::string joint_command(const robot::JointValues& speeds, const robot::JointSet& joints);
-
 } // namespace orvo::drill
 
 #endif

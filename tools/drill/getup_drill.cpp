@@ -107,7 +107,7 @@ void stand_and_walk(Cycle& cycle, walk::Walker& walker, double walk_seconds) {
     const auto run = [&](double seconds) {
         for (int i = 0; i < seconds * cycles_per_second; ++i) {
             walker.update(cycle.trial.perception());
-            cycle(joint_command(walker.speeds(), walker.joints()));
+            cycle(joint_command(walker.joints(), walker.speeds()));
         }
     };
     run(stand_seconds);
@@ -135,7 +135,7 @@ void drop(Cycle& cycle, const params::ParamSet& set, const std::string& from, in
         player.update(cycle.trial.perception().time, angles);
         const robot::JointSet joints = player.driven() & robot::joints_of(type);
         controller.step(player.targets(), player.rates(), angles, joints, speeds);
-        cycle(joint_command(speeds, joints));
+        cycle(joint_command(joints, speeds));
     }
 }
 
@@ -155,7 +155,7 @@ Rise get_up(Cycle& cycle, getup::GetUp& getting_up, double seconds) {
     bool landed = false;
     for (int i = 0; i < seconds * cycles_per_second && rise.up_at < 0; ++i) {
         getting_up.update(trial.perception());
-        cycle(joint_command(getting_up.speeds(), getting_up.joints()));
+        cycle(joint_command(getting_up.joints(), getting_up.speeds()));
         landed = landed || trial.tilt() >= lying_tilt;
         if (landed) {
             rise.peak =
@@ -170,7 +170,7 @@ Rise get_up(Cycle& cycle, getup::GetUp& getting_up, double seconds) {
     }
     for (int i = 0; rise.up_at >= 0 && i < settle_seconds * cycles_per_second; ++i) {
         getting_up.update(trial.perception());
-        cycle(joint_command(getting_up.speeds(), getting_up.joints()));
+        cycle(joint_command(getting_up.joints(), getting_up.speeds()));
     }
     return rise;
 }
@@ -195,7 +195,7 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     for (int i = 0; i < drop_seconds * cycles_per_second && !getting_up.settled(trial.perception());
          ++i) {
         // A joint keeps the last speed it was told: still ones stay still.
-        cycle(joint_command(robot::JointValues{}, robot::joints_of(options.type)));
+        cycle(joint_command(robot::joints_of(options.type), robot::JointValues{}));
     }
     const fall::Posture lying = watch.detector().posture();
     getting_up.start(lying);
