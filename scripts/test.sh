@@ -18,6 +18,6 @@ build build/release -DCMAKE_BUILD_TYPE=RelWithDebInfo
 ASAN_OPTIONS=detect_leaks=1:abort_on_error=0 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
   build build/sanitize -DCMAKE_BUILD_TYPE=Debug -DORVO_SANITIZE=ON -DORVO_BUILD_BENCH=OFF
 if [ -x scripts/fuzz.sh ]; then
-  scripts/fuzz.sh 60
+  scripts/fuzz.sh 30
 fi
 echo "all tests passed"
