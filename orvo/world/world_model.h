@@ -39,6 +39,8 @@ public:
     double last_vision() const { return last_vision_; }
     /// The torso's lean from upright, degrees (running average of the accelerometer).
     double tilt_deg() const { return tilt_deg_; }
+    /// Whether the robot lies (or has not yet risen since it lay).
+    bool lying() const { return lying_; }
 
 private:
     /// Follows the torso's lean; false while it leans too far to trust what is seen.
@@ -60,6 +62,7 @@ private:
     double gravity_[3] = {0, 0, 0}; ///< the accelerometer's running average
     double lean_forward_deg_ = 0;   ///< about the left axis
     double tilt_deg_ = 0;           ///< from upright, any direction
+    bool lying_ = false;            ///< leant beyond lying_tilt_deg since last upright
 };
 
 } // namespace orvo::world

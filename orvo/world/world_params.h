@@ -62,6 +62,12 @@ struct ORVO_API WorldParams {
     double tilt_filter = 0;
     /// Beyond this lean (falling, fallen) sightings are not used.
     double max_tilt_deg = 0;
+    /// Beyond this lean the robot lies: its steps move nothing, and once it
+    /// leans less than max_tilt_deg again the pose is widened by the fall's
+    /// spreads (a fall moves the torso and turns it on the ground).
+    double lying_tilt_deg = 0;
+    double fall_spread_m = 0;
+    double fall_spread_deg = 0;
 
     // The ball.
     double ball_position_sigma_share = 0;

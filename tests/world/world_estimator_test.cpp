@@ -168,20 +168,30 @@ TEST(Sightings, TheTorsosForwardLeanIsUndone) {
     EXPECT_NEAR(g.y, 0, 1e-6);
 }
 
-TEST(WorldModel, AFallenRobotDoesNotTrustWhatItSees) {
-    orvo::world::WorldModel world(params());
+TEST(WorldModel, AFallenRobotNeitherTrustsWhatItSeesNorMovesByItsSteps) {
+    const orvo::world::WorldParams settings = params();
+    orvo::world::WorldModel world(settings);
     world.place(-5, 0, 0);
     orvo::perception::Perception now;
     // Lying on its back, it sees the goal posts where a standing robot at the
-    // centre spot would.
+    // centre spot would, and its legs still make steps.
     ASSERT_TRUE(orvo::perception::PerceptionReader().read(
         "(time (now 1))(ACC (n torso) (a 0 -9.6 2))(See (G1R (pol 15.05 4 1)) (G2R (pol 15.05 -4 "
         "1)))",
         now));
     for (int i = 0; i < 10; ++i)
-        world.update(now, {});
+        world.update(now, {0.05, 0, 5});
     EXPECT_NEAR(world.pose().x, -5, 0.01);
+    EXPECT_NEAR(world.pose().heading_deg, 0, 0.01);
     EXPECT_GT(world.tilt_deg(), 60);
+    EXPECT_TRUE(world.lying());
+    // Up again, it no longer knows its pose as well as before the fall.
+    ASSERT_TRUE(orvo::perception::PerceptionReader().read(
+        "(time (now 2))(ACC (n torso) (a 0 0 9.8))", now));
+    for (int i = 0; i < 20 && world.lying(); ++i)
+        world.update(now, {});
+    EXPECT_FALSE(world.lying());
+    EXPECT_GE(world.pose().sigma_m, settings.fall_spread_m * 0.5);
 }
 
 } // namespace

@@ -1,12 +1,15 @@
 // The localize drill: a robot walks a course of spots across the field by
 // what its world model believes, its head aimed by the head skill's
 // decisions, and the trainer moves it 5 m once half way. At every monitor
-// update the drill compares the belief of that game time with the truth.
+// update the drill compares the belief of that game time with the truth. A
+// robot that falls gets up and walks on, as in a game.
 #include "drills.h"
 #include "summary.h"
 #include "trial.h"
 
 #include <orvo/body/body_model.h>
+#include <orvo/fall/fall_detector.h>
+#include <orvo/getup/getup.h>
 #include <orvo/head/head_aim.h>
 #include <orvo/params/param_set.h>
 #include <orvo/walk/walker.h>
@@ -71,17 +74,23 @@ private:
     void compare();
     void kidnap();
     void cycle();
+    /// Drives the joints while the robot is down or getting up; false once
+    /// they are the walk's again.
+    bool get_up(const perception::Perception& now);
 
     const DrillOptions& options_;
     Trial trial_;
     walk::Walker walker_;
     world::WorldModel world_;
     head::HeadAim aim_;
+    fall::FallDetector detector_;
+    getup::GetUp getup_;
     std::map<double, Belief> beliefs_; ///< by game time, until the monitor shows it
     Errors errors_;
     std::size_t next_ = 0;
     walk::Odometry last_odometry_;
     double last_compared_ = -1;
+    int getups_ = 0;
 };
 
 CourseWalk::CourseWalk(const DrillOptions& options, const walk::WalkParams& walk, int run)
@@ -89,7 +98,9 @@ CourseWalk::CourseWalk(const DrillOptions& options, const walk::WalkParams& walk
       walker_(body::BodyModel::for_type(options.type), walk),
       world_(world::WorldParams::load(params::params_path("world", options.type)),
              world::Method::particles_and_fit, options.seed + static_cast<unsigned>(run)),
-      aim_(head::HeadParams::load(params::params_path("head", options.type))) {
+      aim_(head::HeadParams::load(params::params_path("head", options.type))),
+      detector_(body::BodyModel::for_type(options.type), fall::FallParams::for_type(options.type)),
+      getup_(getup::GetUp::for_type(options.type)) {
     world_.set_team("orvo", perception::Side::left);
     world_.place(start_spot.x, start_spot.y, start_spot.heading);
     trial_.monitor().place_ball(-4, 2, 0.042);
@@ -173,8 +184,30 @@ void CourseWalk::kidnap() {
     errors_.carried_from = at;
 }
 
+bool CourseWalk::get_up(const perception::Perception& now) {
+    const fall::Posture posture = detector_.update(now);
+    if (fall::lying(posture) && !getup_.active() && getup_.settled(now)) {
+        getup_.start(posture);
+        ++getups_;
+    }
+    if (!getup_.active() && !fall::lying(posture) && posture != fall::Posture::getting_up) {
+        return false;
+    }
+    // The walk starts again from its stand once the robot is up.
+    walker_.stop();
+    getup_.update(now);
+    trial_.step(joint_command(getup_.joints(), getup_.speeds()));
+    return true;
+}
+
 void CourseWalk::cycle() {
     const perception::Perception& now = trial_.perception();
+    if (get_up(now)) {
+        world_.update(now, {});
+        beliefs_[now.game_state.time] = {world_.pose(), world_.ball(), now.time};
+        compare();
+        return;
+    }
     walker_.update(now);
     const walk::Odometry& odometry = walker_.odometry();
     world_.update(now,
@@ -207,7 +240,7 @@ nlohmann::json CourseWalk::run(int run) {
         if (errors_.kidnapped_at < 0 && i >= cycles / 2) {
             // Carried off when standing, as a referee would move it.
             walker_.stop();
-            if (walker_.standing()) {
+            if (walker_.standing() && detector_.posture() == fall::Posture::upright) {
                 kidnap();
             }
         } else if (trial_.perception().game_state.time >
@@ -225,6 +258,7 @@ nlohmann::json CourseWalk::run(int run) {
     result["recovery_s"] = errors_.recovery_s;
     result["compared"] = errors_.position.size();
     result["spots_reached"] = next_;
+    result["getups"] = getups_;
     return result;
 }
 

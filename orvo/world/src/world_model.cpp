@@ -28,9 +28,22 @@ void WorldModel::update(const perception::Perception& now, const Odometry& step)
         side_ = now.game_state.side;
         localizer_.set_side(side_);
     }
-    localizer_.predict(step);
     const double time = now.has_time ? now.time : ball_time_;
     const bool upright = track_tilt(now);
+    // A lying robot's walk may still count steps (its legs move), but it
+    // goes nowhere; the fall itself moved and turned the torso by an unknown
+    // amount, so once it is up again the pose is widened for the sightings
+    // to settle.
+    if (tilt_deg_ > params_.lying_tilt_deg) {
+        lying_ = true;
+    } else {
+        if (lying_ && upright) {
+            lying_ = false;
+            const Pose at = localizer_.estimate();
+            localizer_.reset(at, params_.fall_spread_m, params_.fall_spread_deg);
+        }
+        localizer_.predict(step);
+    }
     if (!now.has_vision || !upright) {
         update_ball(time, false);
         return;

@@ -32,6 +32,9 @@ WorldParams WorldParams::load(const std::string& path) {
     r("beam_spread_deg", p.beam_spread_deg);
     r("tilt_filter", p.tilt_filter);
     r("max_tilt_deg", p.max_tilt_deg);
+    r("lying_tilt_deg", p.lying_tilt_deg);
+    r("fall_spread_m", p.fall_spread_m);
+    r("fall_spread_deg", p.fall_spread_deg);
     r("ball_position_sigma_share", p.ball_position_sigma_share);
     r("ball_acceleration_sigma", p.ball_acceleration_sigma);
     r("ball_velocity_decay_per_s", p.ball_velocity_decay_per_s);
