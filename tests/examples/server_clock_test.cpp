@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <tuple>
 #include <vector>
 
@@ -31,6 +32,14 @@ TEST(ServerClock, CountsReceivedAndMissedCyclesByTheServerTime) {
                   std::make_tuple(c.received, c.missed, c.cycles))
             << "first time " << (c.times.empty() ? 0.0f : c.times.front());
     }
+    // The real server's steps are a little longer than 20 ms and its times
+    // come in hundredths, so readings sit half a cycle off now and then.
+    demo::ServerClock clock;
+    for (int cycle = 0; cycle < 3000; ++cycle) {
+        clock.perceived(std::round((100.005 + cycle * 0.02001) * 100) / 100);
+    }
+    EXPECT_EQ(std::make_tuple(clock.received(), clock.missed(), clock.cycles()),
+              std::make_tuple(3000u, 0u, 3000u));
 }
 
 } // namespace
