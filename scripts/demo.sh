@@ -9,7 +9,7 @@
 #
 #   scripts/demo.sh [--standin] [--agents N] [--teams N] [--cycles N] [--types LIST]
 #                   [--sync] [--slowdown F] [--server HOST:PORT] [--monitor-port N]
-#                   [--play|--no-play] [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
+#                   [--play|--no-play] [--still-rivals] [--live] [--no-build] [--build-dir DIR] [--run-dir DIR]
 #
 #   --standin         play the stand-in server even when a real one is installed
 #   --agents N        agent processes per team (default 11, at most 11)
@@ -33,6 +33,8 @@
 #                     the default on a real server of the demo's own, which
 #                     also defaults to --teams 2 --cycles 3000 (a minute)
 #   --no-play         hold the places instead, also on a real server
+#   --still-rivals    the second team stands where it was beamed while the
+#                     first plays (a yardstick: goals against nobody)
 #   --live            show the game on the stand-in's live page while it runs
 #                     (its address is printed; it stays up until the game ends)
 #   --no-build        use the existing build
@@ -59,6 +61,7 @@ external=
 live=no
 play=0
 no_play=
+still_rivals=no
 standin=no
 drawing_host=
 monitor_port=3200
@@ -78,6 +81,7 @@ while [ $# -gt 0 ]; do
     --live) live=yes; shift ;;
     --play) play=1; shift ;;
     --no-play) no_play=1; shift ;;
+    --still-rivals) still_rivals=yes; shift ;;
     --no-build) build=no; shift ;;
     --build-dir) build_dir=$(realpath -m "$2"); shift 2 ;;
     --run-dir) run=$(realpath -m "$2"); shift 2 ;;
@@ -302,7 +306,9 @@ for ((t = 0; t < teams; t++)); do
       "$dir/config/server.cfg"
     sed -i "s/^drawing_port .*/drawing_port $udp_port/" "$dir/config/server.cfg"
     [ -z "$drawing_host" ] || echo "drawing_host $drawing_host" >> "$dir/config/server.cfg"
-    echo "play $play" >> "$dir/config/server.cfg"
+    team_play=$play
+    [ "$t" = 0 ] || [ "$still_rivals" = no ] || team_play=0
+    echo "play $team_play" >> "$dir/config/server.cfg"
     [ -z "$gate" ] || echo "sync_lock $run/sync.lock" >> "$dir/config/server.cfg"
     if [ -n "$gate" ]; then
       # The others hold their "(syn)" while this one connects (the agents'

@@ -108,24 +108,35 @@ Situation PlaySoccer::situation() const {
         }
     }
     out.home = {world->position().x, world->position().y};
+    out.dribbling = decision_.dribble;
     return out;
 }
 
-// Dribbling walks straight on through the ball toward the goal; any other
-// spot is handed to the walk in its own odometry frame.
+// Dribbling walks on through the ball toward the goal, stepping sideways to
+// keep the ball in front; near a spot with a way to face it steps there and
+// turns; any other spot is handed to the walk in its own odometry frame.
 void PlaySoccer::walk(const Decision& decision) {
     orvo::walk::Walker& walk = walker->walker();
     const orvo::world::Pose& pose = belief_->pose();
+    const double h = pose.heading_deg / degrees;
+    const auto ahead_of = [&](double dx, double dy) { return std::cos(h) * dx + std::sin(h) * dy; };
+    const auto left_of = [&](double dx, double dy) { return -std::sin(h) * dx + std::cos(h) * dy; };
     const double dx = decision.target.x - pose.x, dy = decision.target.y - pose.y;
+    const double ahead = ahead_of(dx, dy), left = left_of(dx, dy);
     if (decision.dribble) {
+        const orvo::world::BallBelief& ball = belief_->ball();
         const double goal = std::atan2(-pose.y, 15 - pose.x) * degrees;
-        const double turn = std::remainder(goal - pose.heading_deg, 360.0);
-        walk.set_velocity(walk.params().max_forward, 0, turn);
+        walk.set_velocity(walk.params().max_forward,
+                          params_.dribble_side_gain * left_of(ball.x - pose.x, ball.y - pose.y),
+                          std::remainder(goal - pose.heading_deg, 360.0));
         return;
     }
-    const double h = pose.heading_deg / degrees;
-    const double ahead = std::cos(h) * dx + std::sin(h) * dy;
-    const double left = -std::sin(h) * dx + std::cos(h) * dy;
+    if (decision.face && std::hypot(dx, dy) < params_.position_near) {
+        walk.set_velocity(params_.position_gain * ahead, params_.position_gain * left,
+                          params_.face_gain *
+                              std::remainder(decision.face_deg - pose.heading_deg, 360.0));
+        return;
+    }
     const orvo::walk::Odometry& at = walk.odometry();
     const double o = at.heading / degrees;
     walk.walk_to(at.x + std::cos(o) * ahead - std::sin(o) * left,

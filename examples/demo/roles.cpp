@@ -31,7 +31,18 @@ Decision chase(const Situation& now, const PlayParams& params) {
     const double ux = gx / length, uy = gy / length;
     Decision out{Role::chaser,
                  {now.ball.x - params.behind_ball * ux, now.ball.y - params.behind_ball * uy},
-                 false};
+                 false,
+                 true,
+                 std::atan2(uy, ux) * degrees};
+    // Dribbling, the robot walks into the ball: it stays nearer the ball than
+    // its line-up spot, which must not read as standing in front of it.
+    const double bx = now.ball.x - now.self.x, by = now.ball.y - now.self.y;
+    const double bearing = std::remainder(std::atan2(by, bx) * degrees - now.heading_deg, 360.0);
+    if (now.dribbling && std::hypot(bx, by) < params.dribble_keep_m &&
+        std::abs(bearing) < params.dribble_keep_deg) {
+        out.dribble = true;
+        return out;
+    }
     const double ahead = (now.self.x - now.ball.x) * ux + (now.self.y - now.ball.y) * uy;
     if (ahead > -params.behind_ball / 2) {
         const double side = (now.self.x - now.ball.x) * -uy + (now.self.y - now.ball.y) * ux;
@@ -40,7 +51,7 @@ Decision chase(const Situation& now, const PlayParams& params) {
                       now.ball.y - params.around_ball * uy + sign * params.around_ball * ux};
         return out;
     }
-    const double facing = std::remainder(std::atan2(uy, ux) * degrees - now.heading_deg, 360.0);
+    const double facing = std::remainder(out.face_deg - now.heading_deg, 360.0);
     out.dribble =
         distance(now.self, out.target) < params.aligned_m && std::abs(facing) < params.aligned_deg;
     return out;
@@ -61,6 +72,12 @@ PlayParams PlayParams::for_type(int type) {
     out.chaser_margin = set["chaser_margin"];
     out.follow_x = set["follow_x"];
     out.follow_y = set["follow_y"];
+    out.dribble_keep_m = set["dribble_keep_m"];
+    out.dribble_keep_deg = set["dribble_keep_deg"];
+    out.dribble_side_gain = set["dribble_side_gain"];
+    out.position_near = set["position_near"];
+    out.position_gain = set["position_gain"];
+    out.face_gain = set["face_gain"];
     return out;
 }
 

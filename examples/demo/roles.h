@@ -22,6 +22,9 @@ struct Situation {
     Spot ball;
     std::vector<Spot> mates;
     Spot home;
+    /// Whether it dribbled last cycle: a dribble goes on while the ball
+    /// stays just ahead, though the ball rolls off the line-up spot.
+    bool dribbling = false;
 };
 
 enum class Role { keeper, chaser, support };
@@ -32,6 +35,10 @@ struct Decision {
     Role role = Role::support;
     Spot target;
     bool dribble = false;
+    /// Near the target, turn to face this way (degrees), as the chaser does
+    /// to line up toward the goal.
+    bool face = false;
+    double face_deg = 0;
 };
 
 /// Numbers that shape the team's play, from the parameter file
@@ -49,6 +56,12 @@ struct PlayParams {
     double chaser_margin = 0; ///< a mate nearer the ball by this much chases instead
     double follow_x = 0;      ///< share of the ball's x the formation follows
     double follow_y = 0;
+    double dribble_keep_m = 0;    ///< a dribble goes on while the ball is this near
+    double dribble_keep_deg = 0;  ///< and within this of straight ahead
+    double dribble_side_gain = 0; ///< m/s sideways per metre the ball is off centre
+    double position_near = 0;     ///< within this of a spot to face, it steps there
+    double position_gain = 0;     ///< m/s per metre off the spot
+    double face_gain = 0;         ///< deg/s per degree off the way to face
 };
 
 /// Picks the role and the spot: the keeper (number 1) holds its line between

@@ -22,6 +22,8 @@ demo::PlayParams params() {
     p.chaser_margin = 0.3;
     p.follow_x = 0.5;
     p.follow_y = 0.3;
+    p.dribble_keep_m = 0.6;
+    p.dribble_keep_deg = 40;
     return p;
 }
 
@@ -66,6 +68,18 @@ TEST(Roles, EachSituationGetsItsRoleAndSpot) {
          -0.25,
          0,
          false},
+        {"dribbling into the ball, nearer than its line-up spot, it dribbles on",
+         {5, {-0.1, 0.05}, 10, true, {0, 0}, {}, home, true},
+         Role::chaser,
+         -0.25,
+         0,
+         true},
+        {"the ball got away from the dribble: it lines up again",
+         {5, {-1.5, 0}, 0, true, {0, 0}, {}, home, true},
+         Role::chaser,
+         -0.25,
+         0,
+         false},
         {"in front of the ball it walks round it on its own side",
          {5, {1, 0.5}, 180, true, {0, 0}, {}, home},
          Role::chaser,
@@ -91,6 +105,11 @@ TEST(Roles, EachSituationGetsItsRoleAndSpot) {
         EXPECT_NEAR(d.target.x, c.x, 1e-9) << c.what;
         EXPECT_NEAR(d.target.y, c.y, 1e-9) << c.what;
         EXPECT_EQ(d.dribble, c.dribble) << c.what;
+        // A chaser lines up facing the opponents' goal, here straight ahead.
+        if (c.role == Role::chaser) {
+            EXPECT_TRUE(d.face) << c.what;
+            EXPECT_NEAR(d.face_deg, 0, 1e-9) << c.what;
+        }
     }
 }
 
