@@ -1,5 +1,7 @@
 #include "play_soccer.h"
 
+#include "beam_to.h"
+#include "formation.h"
 #include "team_configuration.h"
 #include "world_model.h"
 
@@ -64,6 +66,7 @@ void PlaySoccer::link(orvo::Class_Map& classes) {
     head = orvo::get_class<orvo::head::Skill_Head>(*this, "skill_head", classes);
     joints = orvo::get_class<orvo::skills::Skill_Joints>(*this, "skill_joints", classes);
     getup = orvo::get_class<orvo::getup::Skill_GetUp>(*this, "skill_getup", classes);
+    beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
 }
 
 void PlaySoccer::init() {
@@ -109,6 +112,9 @@ Situation PlaySoccer::situation() const {
     }
     out.home = {world->position().x, world->position().y};
     out.dribbling = decision_.dribble;
+    using orvo::perception::PlayMode;
+    out.own_kick_off = world->play_mode() ==
+                       (world->on_right_side() ? PlayMode::KickOff_Right : PlayMode::KickOff_Left);
     return out;
 }
 
@@ -151,6 +157,7 @@ void PlaySoccer::operator()() {
         start();
     }
     last_ms_ = world->time();
+    beamed_after_goal_ = false;
     const orvo::perception::Perception& now = world->perception();
     const orvo::walk::Odometry& moved = walker->walker().odometry();
     belief_->update(now, orvo::world::step_between(odometry_.x, odometry_.y, odometry_.heading,
@@ -168,6 +175,28 @@ void PlaySoccer::operator()() {
     (*walker)(now);
     (*head)(*belief_, now.time);
     (*joints)(world->joint_angles(), now.time);
+}
+
+void PlaySoccer::between_goals() {
+    const orvo::perception::Perception& now = world->perception();
+    if ((*getup)(now)) {
+        walker->walker().stop();
+        return;
+    }
+    if (beamed_after_goal_) {
+        (*joints)(world->joint_angles(), now.time);
+        return;
+    }
+    // A beam moves the robot as it stands: mid-step it would land on one
+    // foot, so the walk comes to its stand first.
+    walker->walker().stop();
+    (*walker)(now);
+    (*joints)(world->joint_angles(), now.time);
+    if (walker->walker().standing()) {
+        (*beam)(formation_spot(world->number()));
+        beamed_after_goal_ = true;
+        started_ = false; // the belief starts again at the beam
+    }
 }
 
 } // namespace demo

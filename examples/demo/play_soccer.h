@@ -27,6 +27,7 @@ class Skill_Walk;
 
 namespace demo {
 
+class BeamTo;
 class TeamConfiguration;
 class WorldModel;
 
@@ -44,6 +45,10 @@ public:
     void init() override;
     std::string get_name() const override { return "behavior_play"; }
     void operator()() override;
+    /// After a goal, until the next kick-off: the robot gets up if it lies,
+    /// stops into its stand and then moves once to its beam spot, where the
+    /// play starts again from the kick-off.
+    void between_goals();
 
     const orvo::world::WorldModel& belief() const { return *belief_; }
     const Decision& decision() const { return decision_; }
@@ -60,12 +65,14 @@ private:
     orvo::head::Skill_Head* head = nullptr;
     orvo::skills::Skill_Joints* joints = nullptr;
     orvo::getup::Skill_GetUp* getup = nullptr;
+    BeamTo* beam = nullptr;
 
     std::unique_ptr<orvo::world::WorldModel> belief_;
     PlayParams params_;
     Decision decision_;
     orvo::walk::Odometry odometry_;
     bool started_ = false;
+    bool beamed_after_goal_ = false;
     unsigned last_ms_ = 0; ///< the world's time at the last call
 };
 

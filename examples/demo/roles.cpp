@@ -29,8 +29,10 @@ Decision chase(const Situation& now, const PlayParams& params) {
     const double gx = goal_x - now.ball.x, gy = -now.ball.y;
     const double length = std::max(std::hypot(gx, gy), 1e-6);
     const double ux = gx / length, uy = gy / length;
+    // Waiting for play to go on it keeps a step clear of the ball.
+    const double behind = now.own_kick_off ? params.around_ball : params.behind_ball;
     Decision out{Role::chaser,
-                 {now.ball.x - params.behind_ball * ux, now.ball.y - params.behind_ball * uy},
+                 {now.ball.x - behind * ux, now.ball.y - behind * uy},
                  false,
                  true,
                  std::atan2(uy, ux) * degrees};
@@ -38,7 +40,7 @@ Decision chase(const Situation& now, const PlayParams& params) {
     // its line-up spot, which must not read as standing in front of it.
     const double bx = now.ball.x - now.self.x, by = now.ball.y - now.self.y;
     const double bearing = std::remainder(std::atan2(by, bx) * degrees - now.heading_deg, 360.0);
-    if (now.dribbling && std::hypot(bx, by) < params.dribble_keep_m &&
+    if (!now.own_kick_off && now.dribbling && std::hypot(bx, by) < params.dribble_keep_m &&
         std::abs(bearing) < params.dribble_keep_deg) {
         out.dribble = true;
         return out;
@@ -52,8 +54,8 @@ Decision chase(const Situation& now, const PlayParams& params) {
         return out;
     }
     const double facing = std::remainder(out.face_deg - now.heading_deg, 360.0);
-    out.dribble =
-        distance(now.self, out.target) < params.aligned_m && std::abs(facing) < params.aligned_deg;
+    out.dribble = !now.own_kick_off && distance(now.self, out.target) < params.aligned_m &&
+                  std::abs(facing) < params.aligned_deg;
     return out;
 }
 

@@ -25,6 +25,10 @@ struct Situation {
     /// Whether it dribbled last cycle: a dribble goes on while the ball
     /// stays just ahead, though the ball rolls off the line-up spot.
     bool dribbling = false;
+    /// The own kick-off: the one who kicks off may touch the ball only once
+    /// before another player has, so the chaser lines up and leaves the
+    /// ball until play is on (the referee puts it on after a while).
+    bool own_kick_off = false;
 };
 
 enum class Role { keeper, chaser, support };

@@ -1,5 +1,6 @@
 #include "team_agent.h"
 
+#include "play_soccer.h"
 #include "posture.h"
 #include "team_configuration.h"
 #include "world_model.h"
@@ -40,7 +41,7 @@ void TeamAgent::link(orvo::Class_Map& classes) {
     spread_out = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_spread_out", classes);
     hold_position =
         orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_hold_position", classes);
-    play_soccer = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_play", classes);
+    play_soccer = orvo::get_class<PlaySoccer>(*this, "behavior_play", classes);
     posture = orvo::get_class<Posture>(*this, "skill_posture", classes);
 }
 
@@ -134,6 +135,8 @@ void TeamAgent::act() {
         }
     } else if (!world->has_beamed()) {
         (*take_position)();
+    } else if (configuration->settings.play && kicked_off) {
+        play_soccer->between_goals();
     } else {
         (*spread_out)();
     }

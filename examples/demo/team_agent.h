@@ -28,6 +28,7 @@ class CommUnit;
 
 namespace demo {
 
+class PlaySoccer;
 class Posture;
 class TeamConfiguration;
 class WorldModel;
@@ -58,7 +59,7 @@ private:
     orvo::behaviors::Behavior* take_position = nullptr;
     orvo::behaviors::Behavior* spread_out = nullptr;
     orvo::behaviors::Behavior* hold_position = nullptr;
-    orvo::behaviors::Behavior* play_soccer = nullptr;
+    PlaySoccer* play_soccer = nullptr;
 
     Posture* posture = nullptr;
 
