@@ -62,6 +62,11 @@ private:
     void resample(double renew_share, const Sightings& seen);
     bool draw_from_sightings(const Sightings& seen, Particle& out);
     void summarise();
+    /// Weight and weighted sums of the guesses near `centre`.
+    struct Cluster {
+        double weight = 0, x = 0, y = 0, cos = 0, sin = 0;
+    };
+    Cluster cluster(const Particle& centre) const;
     void polish(const Sightings& seen);
 
     WorldParams params_;

@@ -45,6 +45,8 @@ public:
 private:
     /// Follows the torso's lean; false while it leans too far to trust what is seen.
     bool track_tilt(const perception::Perception& now);
+    /// Whether the robot lies, from the lean and how long it has held.
+    void follow_posture(double time, bool upright);
     void update_ball(double time, bool seen);
     void update_others(const perception::Vision& vision, double neck_yaw, double neck_pitch,
                        double time);
@@ -63,6 +65,8 @@ private:
     double lean_forward_deg_ = 0;   ///< about the left axis
     double tilt_deg_ = 0;           ///< from upright, any direction
     bool lying_ = false;            ///< leant beyond lying_tilt_deg since last upright
+    double upright_since_ = -1;     ///< time it came within max_tilt_deg while lying
+    double lying_since_ = -1;       ///< time it leant beyond lying_tilt_deg
 };
 
 } // namespace orvo::world

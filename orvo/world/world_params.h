@@ -66,6 +66,9 @@ struct ORVO_API WorldParams {
     /// leans less than max_tilt_deg again the pose is widened by the fall's
     /// spreads (a fall moves the torso and turns it on the ground).
     double lying_tilt_deg = 0;
+    /// Lying and up again both hold this long (s): a placement or a bump
+    /// shakes the accelerometer's reading for a moment.
+    double rise_hold_s = 0;
     double fall_spread_m = 0;
     double fall_spread_deg = 0;
 

@@ -10,6 +10,7 @@
 #include <orvo/world/world_model.h>
 
 #include <cmath>
+#include <string>
 
 namespace {
 
@@ -173,23 +174,35 @@ TEST(WorldModel, AFallenRobotNeitherTrustsWhatItSeesNorMovesByItsSteps) {
     orvo::world::WorldModel world(settings);
     world.place(-5, 0, 0);
     orvo::perception::Perception now;
+    const auto at = [&now](double time, const char* rest) {
+        const std::string text = "(time (now " + std::to_string(time) + "))" + rest;
+        EXPECT_TRUE(orvo::perception::PerceptionReader().read(text, now));
+    };
     // Lying on its back, it sees the goal posts where a standing robot at the
     // centre spot would, and its legs still make steps.
-    ASSERT_TRUE(orvo::perception::PerceptionReader().read(
-        "(time (now 1))(ACC (n torso) (a 0 -9.6 2))(See (G1R (pol 15.05 4 1)) (G2R (pol 15.05 -4 "
-        "1)))",
-        now));
-    for (int i = 0; i < 10; ++i)
-        world.update(now, {0.05, 0, 5});
-    EXPECT_NEAR(world.pose().x, -5, 0.01);
-    EXPECT_NEAR(world.pose().heading_deg, 0, 0.01);
+    const char* lying =
+        "(ACC (n torso) (a 0 -9.6 2))(See (G1R (pol 15.05 4 1)) (G2R (pol 15.05 -4 1)))";
+    double time = 1;
+    for (; time < 3; time += 0.02) {
+        at(time, lying);
+        world.update(now, {0.001, 0, 0.1});
+    }
+    EXPECT_NEAR(world.pose().x, -5, 0.1);
+    EXPECT_NEAR(world.pose().heading_deg, 0, 5);
     EXPECT_GT(world.tilt_deg(), 60);
     EXPECT_TRUE(world.lying());
-    // Up again, it no longer knows its pose as well as before the fall.
-    ASSERT_TRUE(orvo::perception::PerceptionReader().read(
-        "(time (now 2))(ACC (n torso) (a 0 0 9.8))", now));
-    for (int i = 0; i < 20 && world.lying(); ++i)
+    // Up again for a while, it no longer knows its pose as well as before
+    // the fall; a moment upright (a bump, a placement) is not up.
+    const char* upright = "(ACC (n torso) (a 0 0 9.8))";
+    for (const double end = time + 0.1; time < end; time += 0.02) {
+        at(time, upright);
         world.update(now, {});
+    }
+    EXPECT_TRUE(world.lying());
+    for (const double end = time + 2; time < end && world.lying(); time += 0.02) {
+        at(time, upright);
+        world.update(now, {});
+    }
     EXPECT_FALSE(world.lying());
     EXPECT_GE(world.pose().sigma_m, settings.fall_spread_m * 0.5);
 }

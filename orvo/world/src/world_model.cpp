@@ -30,21 +30,11 @@ void WorldModel::update(const perception::Perception& now, const Odometry& step)
     }
     const double time = now.has_time ? now.time : ball_time_;
     const bool upright = track_tilt(now);
-    // A lying robot's walk may still count steps (its legs move), but it
-    // goes nowhere; the fall itself moved and turned the torso by an unknown
-    // amount, so once it is up again the pose is widened for the sightings
-    // to settle.
-    if (tilt_deg_ > params_.lying_tilt_deg) {
-        lying_ = true;
-    } else {
-        if (lying_ && upright) {
-            lying_ = false;
-            const Pose at = localizer_.estimate();
-            localizer_.reset(at, params_.fall_spread_m, params_.fall_spread_deg);
-        }
+    follow_posture(time, upright);
+    if (!lying_) {
         localizer_.predict(step);
     }
-    if (!now.has_vision || !upright) {
+    if (!now.has_vision || !upright || lying_) {
         update_ball(time, false);
         return;
     }
@@ -55,6 +45,33 @@ void WorldModel::update(const perception::Perception& now, const Odometry& step)
     last_vision_ = time;
     update_ball(time, seen_.sees_ball);
     update_others(now.vision, yaw, pitch, time);
+}
+
+// A lying robot's walk may still count steps (its legs move), but it goes
+// nowhere; the fall itself moved and turned the torso by an unknown amount, so
+// once it is up again the pose is widened for the sightings to settle. Lying
+// and rising both hold for rise_hold_s: a placement or a bump shakes the
+// accelerometer's reading for a moment either way.
+void WorldModel::follow_posture(double time, bool upright) {
+    if (tilt_deg_ > params_.lying_tilt_deg) {
+        upright_since_ = -1;
+        if (lying_since_ < 0) {
+            lying_since_ = time;
+        }
+        lying_ = lying_ || time - lying_since_ >= params_.rise_hold_s;
+        return;
+    }
+    lying_since_ = -1;
+    if (!lying_ || !upright) {
+        upright_since_ = -1;
+    } else if (upright_since_ < 0) {
+        upright_since_ = time;
+    } else if (time - upright_since_ >= params_.rise_hold_s) {
+        lying_ = false;
+        upright_since_ = -1;
+        const Pose at = localizer_.estimate();
+        localizer_.reset(at, params_.fall_spread_m, params_.fall_spread_deg);
+    }
 }
 
 bool WorldModel::track_tilt(const perception::Perception& now) {

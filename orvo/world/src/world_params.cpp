@@ -33,6 +33,7 @@ WorldParams WorldParams::load(const std::string& path) {
     r("tilt_filter", p.tilt_filter);
     r("max_tilt_deg", p.max_tilt_deg);
     r("lying_tilt_deg", p.lying_tilt_deg);
+    r("rise_hold_s", p.rise_hold_s);
     r("fall_spread_m", p.fall_spread_m);
     r("fall_spread_deg", p.fall_spread_deg);
     r("ball_position_sigma_share", p.ball_position_sigma_share);
