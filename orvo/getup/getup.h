@@ -24,12 +24,6 @@ namespace orvo::getup {
 /// still again and looks once more, so a roll that went wrong is tried again.
 /// Every number is the type's parameter file's ("getup/type<T>.json"): the
 /// keyframes and the joint controller's gains ("joint_p", "joint_d").
-///
-/// Once "balance_from" seconds into the standing motion, it keeps the torso
-/// over the feet: the ankles' pitch targets move against the torso's lean
-/// ("balance_lean" deg per deg of lean from "balance_upright") and against
-/// its pitch rate ("balance_rate" deg per deg/s), for the landing and the
-/// motion's last keyframe never quite match what the robot did.
 class ORVO_API GetUp {
 public:
     GetUp(int type, const params::ParamSet& params);
@@ -63,11 +57,6 @@ private:
     enum class Phase { idle, lying_down, settling, rolling, standing };
 
     void play(const std::string& name, bool mirrored);
-    /// Follows the torso's forward lean (deg): the gyroscope, pulled towards
-    /// the accelerometer's reading so that it does not drift.
-    void track_lean(const perception::Perception& perception);
-    /// The targets with the ankles moved against the lean.
-    robot::JointValues balanced(const perception::Perception& perception) const;
     /// Plays what comes after lying still on `side`.
     void go_on_from(fall::Posture side);
     /// The motions planned from `side` onwards, in seconds.
@@ -82,9 +71,6 @@ private:
     std::string motion_;
     Phase phase_ = Phase::idle;
     double settle_from_ = -1;
-    double stand_from_ = -1;
-    double lean_ = 0;
-    double last_time_ = -1;
     double duration_ = 0;
 };
 

@@ -33,8 +33,7 @@ GetUp::GetUp(int type, const params::ParamSet& params)
     for (const char* name : {"lie", "front", "back", "side"}) {
         (void)motion_from(params_, name);
     }
-    for (const char* name : {"back_rolls", "still_rate", "settle_max", "balance_from",
-                             "balance_lean", "balance_rate", "balance_upright"}) {
+    for (const char* name : {"back_rolls", "still_rate", "settle_max"}) {
         (void)params_[name];
     }
 }
@@ -75,7 +74,6 @@ void GetUp::start(fall::Posture posture) {
         posture = fall::Posture::fallen_back;
     }
     duration_ = motion_from(params_, "lie").duration() + plan(posture);
-    last_time_ = -1;
     play("lie", false);
     phase_ = Phase::lying_down;
 }
@@ -85,7 +83,6 @@ void GetUp::go_on_from(fall::Posture side) {
     case fall::Posture::fallen_front:
         play("front", false);
         phase_ = Phase::standing;
-        stand_from_ = -1;
         break;
     case fall::Posture::fallen_left:
     case fall::Posture::fallen_right:
@@ -95,7 +92,6 @@ void GetUp::go_on_from(fall::Posture side) {
     default:
         play("back", false);
         phase_ = back_rolls() ? Phase::rolling : Phase::standing;
-        stand_from_ = -1;
         break;
     }
 }
@@ -105,7 +101,6 @@ void GetUp::update(const perception::Perception& perception) {
         return;
     }
     const double now = perception.time;
-    track_lean(perception);
     if ((phase_ == Phase::lying_down || phase_ == Phase::rolling) && !player_.playing(motion_)) {
         phase_ = Phase::settling;
         settle_from_ = now;
@@ -119,43 +114,8 @@ void GetUp::update(const perception::Perception& perception) {
         angles[i] = perception.joints[static_cast<robot::Joint>(i)];
     }
     player_.update(now, angles);
-    if (phase_ == Phase::standing && stand_from_ < 0) {
-        stand_from_ = now;
-    }
-    controller_.step(balanced(perception), player_.rates(), angles, player_.driven() & own_joints_,
+    controller_.step(player_.targets(), player_.rates(), angles, player_.driven() & own_joints_,
                      speeds_);
-}
-
-void GetUp::track_lean(const perception::Perception& perception) {
-    constexpr double degrees_per_radian = 57.29577951308232;
-    // A share of the accelerometer's word each cycle: enough to undo the
-    // gyroscope's drift within a second, too little to follow the jolts of
-    // the feet landing.
-    constexpr double accel_share = 0.05;
-    const auto& felt = perception.accelerometer;
-    const double measured = std::atan2(felt.y, felt.z) * degrees_per_radian;
-    if (last_time_ < 0) {
-        lean_ = measured;
-    } else {
-        // Leaning forward turns the torso backwards about its right axis.
-        lean_ -= perception.gyroscope.x * (perception.time - last_time_);
-        lean_ += accel_share * (measured - lean_);
-    }
-    last_time_ = perception.time;
-}
-
-robot::JointValues GetUp::balanced(const perception::Perception& perception) const {
-    robot::JointValues targets = player_.targets();
-    if (phase_ != Phase::standing || perception.time - stand_from_ < params_["balance_from"]) {
-        return targets;
-    }
-    // Toes down pushes a torso that leans forward back over the heels.
-    const double shift = -params_["balance_lean"] * (lean_ - params_["balance_upright"]) +
-                         params_["balance_rate"] * perception.gyroscope.x;
-    for (robot::Joint ankle : {robot::Joint::left_ankle_pitch, robot::Joint::right_ankle_pitch}) {
-        targets[robot::index(ankle)] += shift;
-    }
-    return targets;
 }
 
 bool GetUp::active() const {
