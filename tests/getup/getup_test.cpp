@@ -31,12 +31,13 @@ struct MirrorCase {
 TEST(GetUpMotions, BothSidesMoveAsMirrorImages) {
     const ParamSet set =
         set_of(entry("m.1.time", 0.5) + "," + entry("m.1.hip_roll", 10) + "," +
-               entry("m.1.knee_pitch", -40) + "," + entry("m.1.left_shoulder_pitch", -30) + "," +
-               entry("m.1.left_elbow_roll", -50));
+               entry("m.1.knee_pitch", -40) + "," + entry("m.1.hip_yaw_pitch", -30) + "," +
+               entry("m.1.left_shoulder_pitch", -30) + "," + entry("m.1.left_elbow_roll", -50));
     const MirrorCase cases[] = {
         {"hip_roll", false, Joint::left_hip_roll, 10},
         {"hip_roll", false, Joint::right_hip_roll, -10},
         {"knee", false, Joint::right_knee_pitch, -40},
+        {"hip yaw-pitch", false, Joint::right_hip_yaw_pitch, -30},
         {"one side", false, Joint::left_shoulder_pitch, -30},
         {"played mirrored", true, Joint::right_shoulder_pitch, -30},
         {"played mirrored", true, Joint::right_elbow_roll, 50},
