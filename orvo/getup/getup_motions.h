@@ -13,8 +13,8 @@ namespace orvo::getup {
 /// N (1, 2, ... up to the first missing "NAME.N.time") takes "NAME.N.time"
 /// seconds to reach its angles: "NAME.N.JOINT" with JOINT a joint's full name
 /// ("left_hip_roll") sets that joint; a name without its side
-/// ("hip_roll") sets both, the right one mirrored (roll and yaw angles
-/// change sign, so the two sides move as mirror images). With `mirrored`
+/// ("hip_roll") sets both, the right one mirrored (roll and yaw angles but
+/// the hip yaw-pitch change sign, so the two sides move as mirror images). With `mirrored`
 /// the whole motion is played mirrored: what it does with the left side it
 /// does with the right. Throws ParamError when there is no keyframe or a
 /// name is no joint's.

@@ -34,7 +34,7 @@ constexpr double drop_seconds = 4;
 constexpr double up_tilt = 25;
 constexpr double up_height = 0.30;
 constexpr double up_hold = 1;
-constexpr double settle_seconds = 0.5;
+constexpr double settle_seconds = 1.0;
 constexpr double radians_per_degree = 0.017453292519943295;
 /// The torso tilted this far lies on the ground: how high it rises counts from here.
 constexpr double lying_tilt = 70;
@@ -90,15 +90,24 @@ struct Cycle {
         if (getup.trace) {
             const auto& detector = watch.detector();
             const auto& joints = trial.perception().joints;
+            const monitor::RobotTruth* body = trial.truth();
+            const auto z_of = [&](const char* part) {
+                const monitor::Pose* pose = body == nullptr ? nullptr : body->part(part);
+                return pose == nullptr ? -1.0 : pose->m[14];
+            };
             std::fprintf(
                 stderr,
                 "t %.2f tilt %.1f z %.3f fwd %.2f | %s tilt %.1f rate %.0f z %.3f | shoulder %.0f "
-                "hip %.0f knee %.0f ankle %.0f\n",
+                "hip %.0f knee %.0f ankle %.0f | acc %.1f %.1f %.1f\n",
                 trial.game_time(), trial.tilt(), trial.height(), forward_rise(trial),
                 std::string(fall::posture_name(detector.posture())).c_str(), detector.tilt_deg(),
                 detector.tilt_rate(), detector.height(), joints[robot::Joint::left_shoulder_pitch],
                 joints[robot::Joint::left_hip_pitch], joints[robot::Joint::left_knee_pitch],
-                joints[robot::Joint::left_ankle_pitch]);
+                joints[robot::Joint::left_ankle_pitch], trial.perception().accelerometer.x,
+                trial.perception().accelerometer.y, trial.perception().accelerometer.z);
+            std::fprintf(stderr, "  parts z: foot %.3f shank %.3f thigh %.3f hand %.3f head %.3f\n",
+                         z_of("lfoot"), z_of("lshank"), z_of("lthigh"), z_of("llowerarm"),
+                         z_of("head"));
         }
     }
 };
@@ -147,7 +156,8 @@ struct Rise {
 };
 
 /// Plays the get-up for at most `seconds`, until the robot has stood for the
-/// hold, and half a second more (so that its own detector has seen the hold too).
+/// hold, and a second more (so that its own detector has seen the hold too, and a robot
+/// that topples again right after counts the fall).
 Rise get_up(Cycle& cycle, getup::GetUp& getting_up, double seconds) {
     const Trial& trial = cycle.trial;
     Rise rise;
@@ -173,6 +183,16 @@ Rise get_up(Cycle& cycle, getup::GetUp& getting_up, double seconds) {
         cycle(joint_command(getting_up.joints(), getting_up.speeds()));
     }
     return rise;
+}
+
+/// Fouls the referee called on the robot for touching itself since `since`
+/// (game time): each freezes its joints for a second, which a get-up must never cause.
+int self_collisions(const Trial& trial, double since) {
+    const auto& fouls = trial.monitor_truth().fouls;
+    return static_cast<int>(std::count_if(fouls.begin(), fouls.end(), [&](const auto& foul) {
+        return foul.type_name() == "self_collision" && foul.side == monitor::Side::left &&
+               foul.number == trial.number() && foul.time >= since;
+    }));
 }
 
 nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
@@ -222,6 +242,7 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
         result["detection_delay"] = seen - result["fell_at"].get<double>();
     }
     result["false_alarms"] = watch.false_alarms();
+    result["self_collisions"] = self_collisions(trial, start_time);
     return result;
 }
 
@@ -269,7 +290,8 @@ int run_getup(Arguments& arguments) {
                   << run + 1 << " of " << options.runs << '\n';
         summary.add(getup_run(options, getup, set, walk_params, run));
     }
-    summary.print(std::cerr, {"seconds", "detection_delay", "falls", "false_alarms"});
+    summary.print(std::cerr,
+                  {"seconds", "detection_delay", "falls", "false_alarms", "self_collisions"});
     return 0;
 }
 

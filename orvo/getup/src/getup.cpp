@@ -18,15 +18,24 @@ skills::JointController::Gains gains_of(const params::ParamSet& set) {
 
 } // namespace
 
+fall::Posture lying_side(const perception::Perception& perception) {
+    const auto& up = perception.accelerometer;
+    if (std::fabs(up.y) >= std::fabs(up.x)) {
+        return up.y < 0 ? fall::Posture::fallen_front : fall::Posture::fallen_back;
+    }
+    return up.x > 0 ? fall::Posture::fallen_left : fall::Posture::fallen_right;
+}
+
 GetUp::GetUp(int type, const params::ParamSet& params)
     : params_(params), own_joints_(robot::joints_of(type)), controller_(gains_of(params)) {
-    // Every motion is read once here, so that a broken file fails at once
-    // rather than on the field.
-    for (const char* name : {"front", "back", "side"}) {
+    // Every motion and setting is read once here, so that a broken file fails
+    // at once rather than on the field.
+    for (const char* name : {"lie", "front", "back", "side"}) {
         (void)motion_from(params_, name);
     }
-    (void)params_["side_onto_front"];
-    (void)params_["still_rate"];
+    for (const char* name : {"back_rolls", "still_rate", "settle_max"}) {
+        (void)params_[name];
+    }
 }
 
 GetUp GetUp::for_type(int type) {
@@ -35,7 +44,6 @@ GetUp GetUp::for_type(int type) {
 
 void GetUp::play(const std::string& name, bool mirrored) {
     auto motion = std::make_shared<const skills::Motion>(motion_from(params_, name, mirrored));
-    duration_ += motion->duration();
     motion_ = motion->name();
     player_.play(std::move(motion));
 }
@@ -45,50 +53,73 @@ bool GetUp::settled(const perception::Perception& perception) const {
     return std::sqrt(turn.x * turn.x + turn.y * turn.y + turn.z * turn.z) < params_["still_rate"];
 }
 
+double GetUp::plan(fall::Posture side) const {
+    const double front = motion_from(params_, "front").duration();
+    switch (side) {
+    case fall::Posture::fallen_front:
+        return front;
+    case fall::Posture::fallen_left:
+    case fall::Posture::fallen_right:
+        // Where a roll from the side ends is the ground's say: count the front.
+        return motion_from(params_, "side").duration() + front;
+    default:
+        return motion_from(params_, "back").duration() + (back_rolls() ? front : 0);
+    }
+}
+
 void GetUp::start(fall::Posture posture) {
     player_.release_all();
     controller_.reset();
-    duration_ = 0;
-    next_.clear();
-    const std::string after_roll = params_["side_onto_front"] >= 0.5 ? "front" : "back";
-    switch (posture) {
+    if (!fall::lying(posture)) {
+        posture = fall::Posture::fallen_back;
+    }
+    duration_ = motion_from(params_, "lie").duration() + plan(posture);
+    play("lie", false);
+    phase_ = Phase::lying_down;
+}
+
+void GetUp::go_on_from(fall::Posture side) {
+    switch (side) {
     case fall::Posture::fallen_front:
         play("front", false);
+        phase_ = Phase::standing;
         break;
     case fall::Posture::fallen_left:
     case fall::Posture::fallen_right:
-        play("side", posture == fall::Posture::fallen_right);
-        next_ = after_roll;
-        duration_ += motion_from(params_, next_).duration();
+        play("side", side == fall::Posture::fallen_right);
+        phase_ = Phase::rolling;
         break;
     default:
         play("back", false);
+        phase_ = back_rolls() ? Phase::rolling : Phase::standing;
         break;
     }
 }
 
 void GetUp::update(const perception::Perception& perception) {
-    if (motion_.empty()) {
+    if (phase_ == Phase::idle) {
         return;
     }
-    if (!next_.empty() && !player_.playing(motion_)) {
-        // The roll is over: the rest starts from wherever it left the joints.
-        const double planned = duration_;
-        play(next_, false);
-        duration_ = planned;
-        next_.clear();
+    const double now = perception.time;
+    if ((phase_ == Phase::lying_down || phase_ == Phase::rolling) && !player_.playing(motion_)) {
+        phase_ = Phase::settling;
+        settle_from_ = now;
+    }
+    if (phase_ == Phase::settling &&
+        (settled(perception) || now - settle_from_ >= params_["settle_max"])) {
+        go_on_from(lying_side(perception));
     }
     robot::JointValues angles{};
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         angles[i] = perception.joints[static_cast<robot::Joint>(i)];
     }
-    player_.update(perception.time, angles);
+    player_.update(now, angles);
     controller_.step(player_.targets(), player_.rates(), angles, player_.driven() & own_joints_,
                      speeds_);
 }
 
 bool GetUp::active() const {
-    return !motion_.empty() && (!next_.empty() || player_.playing(motion_));
+    return phase_ != Phase::idle && (phase_ != Phase::standing || player_.playing(motion_));
 }
 
 } // namespace orvo::getup

@@ -10,8 +10,12 @@ namespace orvo::getup {
 
 namespace {
 
-/// Whether a joint of this name turns the other way on the other side.
+/// Whether a joint of this name turns the other way on the other side. The
+/// two hip yaw-pitch joints share one range and turn the legs alike: they do not.
 bool mirror_sign(std::string_view side_free) {
+    if (side_free == "hip_yaw_pitch") {
+        return false;
+    }
     return side_free.find("roll") != std::string_view::npos ||
            side_free.find("yaw") != std::string_view::npos;
 }
