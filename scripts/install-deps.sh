@@ -15,10 +15,12 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
 # What a minimal Debian 12 (debootstrap minbase) lacks besides the tool chain:
-# "file" for CPack's DEB generator, procps for the scripts' process checks.
+# "file" and dpkg-dev (dpkg-shlibdeps) for CPack's DEB generator, which
+# without the latter leaves the shared libraries out of the package's
+# dependencies, procps for the scripts' process checks.
 packages=(cmake ninja-build g++ pkg-config libboost-dev libgsl-dev libgtest-dev libgmock-dev
           libbenchmark-dev libeigen3-dev nlohmann-json3-dev clang libclang-rt-14-dev valgrind
-          file graphviz procps ca-certificates python3)
+          file dpkg-dev graphviz procps ca-certificates python3)
 if [ "${1:-}" = --test ]; then
   packages+=(chromium python3-deap slurm-wlm munge)
 fi
