@@ -182,6 +182,43 @@ std::vector<std::string> effector_records(const std::string& output) {
     return recorded;
 }
 
+// What the server received from one agent: its join, then one answer ending
+// in "(syn)" per perception, the first command a beam; `recorded` gets the
+// agent's logged effector commands, which must be the tail of those answers.
+void check_answers(const Report& agent, const std::vector<std::string>& messages, char type,
+                   std::vector<std::string>& recorded) {
+    ASSERT_GE(messages.size(), 3u);
+    EXPECT_EQ(messages[0], std::string("(scene rsg/agent/nao/nao_hetero.rsg ") + type + ")");
+    EXPECT_EQ(messages[1], "(init (unum 0)(teamname orvo))");
+    // One "(syn)" ends every cycle's answer; the effectors' commands come before it.
+    std::vector<std::string> commands;
+    std::copy_if(messages.begin() + 2, messages.end(), std::back_inserter(commands),
+                 [](const std::string& m) { return m != "(syn)"; });
+    // The server may close before the agent's last answer reaches it
+    // (seen on a busy machine): that answer is then missing from its log.
+    const std::size_t answers = messages.size() - 2 - commands.size();
+    const bool last_answer_unread = answers + 1 == std::size_t{agent.received};
+    EXPECT_TRUE(answers == std::size_t{agent.received} || last_answer_unread)
+        << answers << " answers to " << agent.received << " perceptions";
+    EXPECT_EQ(messages.back(), "(syn)");
+    ASSERT_FALSE(commands.empty());
+    EXPECT_TRUE(std::regex_match(commands.front(),
+                                 std::regex("\\(beam -?\\d+\\.\\d\\d -?\\d+\\.\\d\\d 0\\.0\\)")))
+        << commands.front();
+
+    // The action log's effector records, oldest first, are the tail of
+    // what the server received, in the same order.
+    recorded = effector_records(agent.output);
+    if (last_answer_unread && !recorded.empty()) {
+        recorded.pop_back();
+    }
+    ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a joint command each
+    ASSERT_LE(recorded.size(), commands.size());
+    const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
+                                        commands.end());
+    EXPECT_EQ(recorded, tail);
+}
+
 TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerception) {
     orvo_test::ScratchDir scratch;
     const DemoRun run = play(scratch.path / "run", {"--cycles", "100"});
@@ -193,30 +230,11 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
         const Report& agent = run.agents[n - 1];
         SCOPED_TRACE(agent.agent);
         // Connections are numbered in the order the agents started.
-        const auto& messages = by_connection.at(n);
-        ASSERT_GE(messages.size(), 3u);
-        EXPECT_EQ(messages[0],
-                  std::string("(scene rsg/agent/nao/nao_hetero.rsg ") + types[n - 1] + ")");
-        EXPECT_EQ(messages[1], "(init (unum 0)(teamname orvo))");
-        // One "(syn)" ends every cycle's answer; the effectors' commands come before it.
-        std::vector<std::string> commands;
-        std::copy_if(messages.begin() + 2, messages.end(), std::back_inserter(commands),
-                     [](const std::string& m) { return m != "(syn)"; });
-        EXPECT_EQ(messages.size() - 2 - commands.size(), std::size_t{agent.received});
-        EXPECT_EQ(messages.back(), "(syn)");
-        ASSERT_FALSE(commands.empty());
-        EXPECT_TRUE(std::regex_match(
-            commands.front(), std::regex("\\(beam -?\\d+\\.\\d\\d -?\\d+\\.\\d\\d 0\\.0\\)")))
-            << commands.front();
-
-        // The action log's effector records, oldest first, are the tail of
-        // what the server received, in the same order.
-        const std::vector<std::string> recorded = effector_records(agent.output);
-        ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a joint command each
-        ASSERT_LE(recorded.size(), commands.size());
-        const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
-                                            commands.end());
-        EXPECT_EQ(recorded, tail);
+        std::vector<std::string> recorded;
+        check_answers(agent, by_connection.at(n), types[n - 1], recorded);
+        if (HasFatalFailure()) {
+            return;
+        }
 
         // After the kick-off the log keeps ten cycles of holding the place: no beam.
         EXPECT_EQ(count_of(agent.output, "[Descriptor_Action] Behavior(behavior_hold_position)"),
