@@ -7,6 +7,8 @@
 # and standing. Writes every run's JSON and a table (table.md) into build/bench-getup.
 #   scripts/bench-getup.sh [runs] [walk seconds] [types]
 #   (default 20 runs; 60 s walks; types "0 1 2 3 4")
+# With TABLE_ONLY=1 it measures nothing and tables the runs already written
+# (by runs of the same commands side by side, for instance).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 runs=${1:-20}
@@ -16,8 +18,9 @@ drill=build/tools/drill/orvo_drill
 out=build/bench-getup
 [[ -x $drill ]] || { echo "build orvo_drill first: cmake --build build --target orvo_drill" >&2; exit 1; }
 mkdir -p "$out"
-rm -f "$out"/*.jsonl
+[[ ${TABLE_ONLY:-0} == 1 ]] || rm -f "$out"/*.jsonl
 for type in $types; do
+  [[ ${TABLE_ONLY:-0} == 1 ]] && break
   for from in front back; do
     echo "type $type from the $from" >&2
     "$drill" getup --type "$type" --from "$from" --runs "$runs" --seconds 4 \
