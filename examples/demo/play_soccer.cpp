@@ -183,16 +183,13 @@ void PlaySoccer::between_goals() {
         walker->walker().stop();
         return;
     }
-    if (beamed_after_goal_) {
-        (*joints)(world->joint_angles(), now.time);
-        return;
-    }
     // A beam moves the robot as it stands: mid-step it would land on one
-    // foot, so the walk comes to its stand first.
+    // foot, so the walk comes to its stand first, and goes on holding it
+    // (a joint left without commands keeps its last speed).
     walker->walker().stop();
     (*walker)(now);
     (*joints)(world->joint_angles(), now.time);
-    if (walker->walker().standing()) {
+    if (!beamed_after_goal_ && walker->walker().standing()) {
         (*beam)(formation_spot(world->number()));
         beamed_after_goal_ = true;
         started_ = false; // the belief starts again at the beam
