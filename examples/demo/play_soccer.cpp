@@ -171,7 +171,7 @@ void PlaySoccer::speak() {
                                ? std::hypot(report.ball.x - pose.x, report.ball.y - pose.y)
                                : far_from_ball;
     report.chasing = decision_.role == Role::chaser && world->number() != 1 && !down_;
-    (*say)(encode(report));
+    counts_.said += (*say)(encode(report)) ? 1 : 0;
 }
 
 // Dribbling walks on through the ball toward the goal, stepping sideways to
@@ -219,9 +219,12 @@ void PlaySoccer::operator()() {
     belief_->update(now, orvo::world::step_between(odometry_.x, odometry_.y, odometry_.heading,
                                                    moved.x, moved.y, moved.heading));
     odometry_ = moved;
-    talk_.listen(now, configuration->settings.team, world->number(), world->seconds());
+    counts_.heard +=
+        talk_.listen(now, configuration->settings.team, world->number(), world->seconds());
     orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
     decision_ = decide(situation(), params_);
+    ++counts_.played;
+    counts_.chased += decision_.role == Role::chaser && world->number() != 1 ? 1 : 0;
     // A robot on the ground gets up first: the get-up has every joint then,
     // and the walk starts again from its stand.
     down_ = (*getup)(now);

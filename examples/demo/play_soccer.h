@@ -58,6 +58,13 @@ public:
     /// play starts again from the kick-off.
     void between_goals();
 
+    /// What the talk did over the game: texts said, team-mates' texts heard,
+    /// cycles played and cycles this robot went for the ball.
+    struct TalkCounts {
+        unsigned said = 0, heard = 0, played = 0, chased = 0;
+    };
+    const TalkCounts& talk_counts() const { return counts_; }
+
     const orvo::world::WorldModel& belief() const { return *belief_; }
     const Decision& decision() const { return decision_; }
 
@@ -85,6 +92,7 @@ private:
     Decision decision_;
     orvo::walk::Odometry odometry_;
     TeamTalk talk_;
+    TalkCounts counts_;
     bool down_ = false; ///< getting up this cycle
     bool started_ = false;
     bool beamed_after_goal_ = false;

@@ -164,6 +164,12 @@ void TeamAgent::report(std::ostream& out) {
             << " lost to values that are not numbers";
     }
     out << "\nperceptions: " << clock.received() << " received, " << clock.missed() << " missed\n";
+    if (play_soccer != nullptr && play_soccer->talk_counts().played != 0) {
+        const PlaySoccer::TalkCounts& talk = play_soccer->talk_counts();
+        out << "talk: said " << talk.said << ", heard " << talk.heard
+            << " from team-mates; went for the ball in " << talk.chased << " of " << talk.played
+            << " cycles played\n";
+    }
     char joints[96];
     std::snprintf(joints, sizeof joints,
                   "joints: worst error %.1f degrees over the last %zu cycles\n\n",

@@ -63,8 +63,9 @@ bool TeamTalk::my_turn(int number, double now) const {
     return cycle % turn_cycles_ == 0 && (cycle / turn_cycles_) % max_number == number - 1;
 }
 
-void TeamTalk::listen(const orvo::perception::Perception& perception, const std::string& team,
-                      int own_number, double now) {
+int TeamTalk::listen(const orvo::perception::Perception& perception, const std::string& team,
+                     int own_number, double now) {
+    int kept = 0;
     for (const orvo::perception::Heard& heard : perception.heard) {
         if (heard.self || heard.team != team) {
             continue;
@@ -73,8 +74,10 @@ void TeamTalk::listen(const orvo::perception::Perception& perception, const std:
         if (report && report->number != own_number) {
             report->heard_at = now;
             reports_[static_cast<std::size_t>(report->number)] = *report;
+            ++kept;
         }
     }
+    return kept;
 }
 
 void TeamTalk::forget() {

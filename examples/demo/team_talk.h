@@ -45,9 +45,9 @@ public:
     /// Whether number `number` speaks at server time `now` (s).
     bool my_turn(int number, double now) const;
     /// Keeps what the team-mates of `team` said in `perception` (own words
-    /// and other teams' are left), stamped with `now`.
-    void listen(const orvo::perception::Perception& perception, const std::string& team,
-                int own_number, double now);
+    /// and other teams' are left), stamped with `now`; returns how many.
+    int listen(const orvo::perception::Perception& perception, const std::string& team,
+               int own_number, double now);
     /// The last report of each number, index 1 to 11 (an unheard one has
     /// heard_at < 0).
     const std::array<MateReport, max_number + 1>& reports() const { return reports_; }
