@@ -223,11 +223,11 @@ void PlaySoccer::operator()() {
         talk_.listen(now, configuration->settings.team, world->number(), world->seconds());
     orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
     decision_ = decide(situation(), params_);
-    ++counts_.played;
-    counts_.chased += decision_.role == Role::chaser && world->number() != 1 ? 1 : 0;
     // A robot on the ground gets up first: the get-up has every joint then,
     // and the walk starts again from its stand.
     down_ = (*getup)(now);
+    ++counts_.played;
+    counts_.chased += decision_.role == Role::chaser && world->number() != 1 && !down_ ? 1 : 0;
     speak();
     if (down_) {
         walker->walker().stop();

@@ -59,7 +59,7 @@ public:
     void between_goals();
 
     /// What the talk did over the game: texts said, team-mates' texts heard,
-    /// cycles played and cycles this robot went for the ball.
+    /// cycles played and cycles this robot went for the ball (on its feet).
     struct TalkCounts {
         unsigned said = 0, heard = 0, played = 0, chased = 0;
     };
