@@ -34,7 +34,7 @@ std::string encode(const MateReport& report);
 std::optional<MateReport> decode(std::string_view text);
 
 /// The team's talk: robots take turns, since a listener hears one team-mate
-/// a cycle at most and one of two who speak together is lost. Number N
+/// every second cycle at most and one of two who speak together is lost. Number N
 /// speaks in the first cycle of turn N of eleven, each turn `turn_cycles`
 /// long, so each speaks every 11 turns.
 class TeamTalk {

@@ -13,10 +13,10 @@ namespace orvo::effectors {
 /// Speaks to every robot within earshot, registered as "effector_say": sends
 /// "(say TEXT)". The server drops a text it does not carry without a word (see
 /// communication::say_fault: at most 20 characters, printable ASCII but the
-/// space and parentheses), so this effector refuses such a text itself and
-/// tells why instead of sending it. Team-mates hear it in the next
-/// perception's "(hear ...)"; a listener hears one team-mate per cycle, so a
-/// team takes turns (docs/talk.md).
+/// space, parentheses and quotes), so this effector refuses such a text
+/// itself and tells why instead of sending it. Team-mates hear it in the
+/// next perception's "(hear ...)"; a listener hears one team-mate every
+/// second cycle, so a team takes turns (docs/talk.md).
 class ORVO_API Effector_Say : public Effector {
 public:
     Effector_Say();
