@@ -28,6 +28,7 @@
 // communication
 #include <orvo/communication/configuration.h>
 #include <orvo/communication/messenger.h>
+#include <orvo/communication/say_codec.h>
 
 // debug
 #include <orvo/debug/debug_drawings.h>
@@ -76,6 +77,7 @@
 // effectors
 #include <orvo/effectors/effector.h>
 #include <orvo/effectors/effector_joints.h>
+#include <orvo/effectors/effector_say.h>
 
 // robot
 #include <orvo/robot/joints.h>

@@ -398,6 +398,8 @@ for output in "${outputs[@]}"; do
   echo "$agent, type $type: ${line:-(no report)}"
   gone_line=$(grep -m 1 "the server went away" "$output" || true)
   [ -z "$gone_line" ] || echo "$agent: ${gone_line#*: }"
+  talk_line=$(grep -m 1 "^talk: " "$output" || true)
+  [ -z "$talk_line" ] || echo "$agent: $talk_line"
 done
 # One agent's story: the one the server made number 7, or the first.
 shown=$(grep -l "^agent 7 of team" "${outputs[@]}" 2> /dev/null | head -n 1 || true)

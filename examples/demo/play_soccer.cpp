@@ -6,6 +6,7 @@
 #include "world_model.h"
 
 #include <orvo/beliefs/belief_drawings.h>
+#include <orvo/effectors/effector_say.h>
 #include <orvo/getup/skill_getup.h>
 #include <orvo/head/skill_head.h>
 #include <orvo/knowledgebase/injectors/injector_action.h>
@@ -25,6 +26,12 @@ constexpr double degrees = 180 / M_PI;
 constexpr double mates_recent_s = 3;
 /// The ball counts while seen this recently (s).
 constexpr double ball_recent_s = 4;
+/// What a team-mate said counts this long (s): its turn comes every 0.44 s,
+/// so one lost message is not yet forgetting it.
+constexpr double heard_recent_s = 1;
+/// The distance to the ball said by a robot that does not know where the
+/// ball is or lies on the ground: never the nearest.
+constexpr double far_from_ball = 40;
 
 // Whether the play mode gives the ball to the other team: its kick-off, kick
 // in, corner, goal kick or free kick, when the referee keeps us off the ball.
@@ -67,6 +74,7 @@ void PlaySoccer::link(orvo::Class_Map& classes) {
     joints = orvo::get_class<orvo::skills::Skill_Joints>(*this, "skill_joints", classes);
     getup = orvo::get_class<orvo::getup::Skill_GetUp>(*this, "skill_getup", classes);
     beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
+    say = orvo::get_class<orvo::effectors::Effector_Say>(*this, "effector_say", classes);
 }
 
 void PlaySoccer::init() {
@@ -92,6 +100,22 @@ void PlaySoccer::start() {
     started_ = true;
 }
 
+std::optional<double> PlaySoccer::ball_from_mates(Spot& ball) const {
+    const double now = world->seconds();
+    std::optional<double> freshest;
+    for (const MateReport& mate : talk_.reports()) {
+        if (mate.heard_at < 0 || !mate.ball_age) {
+            continue;
+        }
+        const double age = *mate.ball_age + (now - mate.heard_at);
+        if (age < ball_recent_s && (!freshest || age < *freshest)) {
+            freshest = age;
+            ball = mate.ball;
+        }
+    }
+    return freshest;
+}
+
 Situation PlaySoccer::situation() const {
     const orvo::world::Pose& pose = belief_->pose();
     const orvo::world::BallBelief& ball = belief_->ball();
@@ -100,22 +124,54 @@ Situation PlaySoccer::situation() const {
     out.number = world->number();
     out.self = {pose.x, pose.y};
     out.heading_deg = pose.heading_deg;
+    out.ball = {ball.x, ball.y};
+    const bool seen = ball.known && now - ball.last_seen < ball_recent_s;
     // While the other team has a set piece the ball is not ours to play:
     // the formation holds.
-    out.ball_known = ball.known && now - ball.last_seen < ball_recent_s &&
-                     !theirs(world->play_mode(), world->on_right_side());
-    out.ball = {ball.x, ball.y};
+    out.ball_known =
+        (seen || ball_from_mates(out.ball)) && !theirs(world->play_mode(), world->on_right_side());
     for (const orvo::world::OtherRobot& mate : belief_->others()[1]) {
         if (mate.known && now - mate.last_seen < mates_recent_s) {
             out.mates.push_back({mate.x, mate.y});
         }
     }
+    for (const MateReport& mate : talk_.reports()) {
+        if (mate.heard_at >= 0 && now - mate.heard_at < heard_recent_s) {
+            out.heard.push_back({mate.number, mate.ball_distance, mate.chasing});
+        }
+    }
+    out.chasing = decision_.role == Role::chaser;
     out.home = {world->position().x, world->position().y};
     out.dribbling = decision_.dribble;
     using orvo::perception::PlayMode;
     out.own_kick_off = world->play_mode() ==
                        (world->on_right_side() ? PlayMode::KickOff_Right : PlayMode::KickOff_Left);
     return out;
+}
+
+// In its turn: where it is, the ball as it believes it (its own sight, or
+// else a mate's), how far it is from it and whether it goes for it.
+void PlaySoccer::speak() {
+    const double now = world->seconds();
+    if (!talk_.my_turn(world->number(), now)) {
+        return;
+    }
+    const orvo::world::Pose& pose = belief_->pose();
+    const orvo::world::BallBelief& ball = belief_->ball();
+    MateReport report;
+    report.number = world->number();
+    report.self = {pose.x, pose.y};
+    if (ball.known && now - ball.last_seen < ball_recent_s) {
+        report.ball_age = now - ball.last_seen;
+        report.ball = {ball.x, ball.y};
+    } else {
+        report.ball_age = ball_from_mates(report.ball);
+    }
+    report.ball_distance = report.ball_age && !down_
+                               ? std::hypot(report.ball.x - pose.x, report.ball.y - pose.y)
+                               : far_from_ball;
+    report.chasing = decision_.role == Role::chaser && world->number() != 1 && !down_;
+    counts_.said += (*say)(encode(report)) ? 1 : 0;
 }
 
 // Dribbling walks on through the ball toward the goal, stepping sideways to
@@ -163,11 +219,17 @@ void PlaySoccer::operator()() {
     belief_->update(now, orvo::world::step_between(odometry_.x, odometry_.y, odometry_.heading,
                                                    moved.x, moved.y, moved.heading));
     odometry_ = moved;
+    counts_.heard +=
+        talk_.listen(now, configuration->settings.team, world->number(), world->seconds());
     orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
     decision_ = decide(situation(), params_);
     // A robot on the ground gets up first: the get-up has every joint then,
     // and the walk starts again from its stand.
-    if ((*getup)(now)) {
+    down_ = (*getup)(now);
+    ++counts_.played;
+    counts_.chased += decision_.role == Role::chaser && world->number() != 1 && !down_ ? 1 : 0;
+    speak();
+    if (down_) {
         walker->walker().stop();
         return;
     }

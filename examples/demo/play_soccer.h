@@ -2,15 +2,20 @@
 #define ORVO_DEMO_PLAY_SOCCER_H
 
 #include "roles.h"
+#include "team_talk.h"
 
 #include <orvo/behaviors/behavior.h>
 #include <orvo/walk/walker.h>
 #include <orvo/world/world_model.h>
 
 #include <memory>
+#include <optional>
 
 namespace orvo::knowledgebase::injectors {
 class Injector_Action;
+}
+namespace orvo::effectors {
+class Effector_Say;
 }
 namespace orvo::getup {
 class Skill_GetUp;
@@ -35,7 +40,10 @@ class WorldModel;
 /// player's belief (where it is, the ball, the others) takes the perception
 /// and what the walk moved; it picks its role (keeper, chaser or support,
 /// see decide()) and walks there through "skill_walk", the head aimed by
-/// "skill_head". A fallen robot gets up first ("skill_getup").
+/// "skill_head". A fallen robot gets up first ("skill_getup"). In its turn
+/// it tells its team-mates where it is and where the ball is ("effector_say"),
+/// and it hears theirs: the ball goes to the one nearest it by what they
+/// said, and a robot that has not seen the ball lately takes it from a mate.
 class PlaySoccer : public orvo::behaviors::Behavior {
 public:
     PlaySoccer();
@@ -50,6 +58,13 @@ public:
     /// play starts again from the kick-off.
     void between_goals();
 
+    /// What the talk did over the game: texts said, team-mates' texts heard,
+    /// cycles played and cycles this robot went for the ball (on its feet).
+    struct TalkCounts {
+        unsigned said = 0, heard = 0, played = 0, chased = 0;
+    };
+    const TalkCounts& talk_counts() const { return counts_; }
+
     const orvo::world::WorldModel& belief() const { return *belief_; }
     const Decision& decision() const { return decision_; }
 
@@ -57,6 +72,10 @@ private:
     void start();
     Situation situation() const;
     void walk(const Decision& decision);
+    /// The ball as the freshest mate who saw it lately said, when this robot
+    /// has not seen it itself; its age then.
+    std::optional<double> ball_from_mates(Spot& ball) const;
+    void speak();
 
     orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
     WorldModel* world = nullptr;
@@ -66,11 +85,15 @@ private:
     orvo::skills::Skill_Joints* joints = nullptr;
     orvo::getup::Skill_GetUp* getup = nullptr;
     BeamTo* beam = nullptr;
+    orvo::effectors::Effector_Say* say = nullptr;
 
     std::unique_ptr<orvo::world::WorldModel> belief_;
     PlayParams params_;
     Decision decision_;
     orvo::walk::Odometry odometry_;
+    TeamTalk talk_;
+    TalkCounts counts_;
+    bool down_ = false; ///< getting up this cycle
     bool started_ = false;
     bool beamed_after_goal_ = false;
     unsigned last_ms_ = 0; ///< the world's time at the last call

@@ -16,7 +16,23 @@ double distance(const Spot& a, const Spot& b) {
     return std::hypot(a.x - b.x, a.y - b.y);
 }
 
+// By what the mates said: the keeper aside, who has the lowest claim, the
+// distance less the margin for the one already going.
+bool nearest_by_heard(const Situation& now, const PlayParams& params) {
+    const auto claim = [&](double distance, bool chasing) {
+        return distance - (chasing ? params.chaser_margin : 0);
+    };
+    const double mine = claim(distance(now.self, now.ball), now.chasing);
+    return std::none_of(now.heard.begin(), now.heard.end(), [&](const HeardMate& mate) {
+        const double theirs = claim(mate.ball_distance, mate.chasing);
+        return mate.number != 1 && (theirs < mine || (theirs == mine && mate.number < now.number));
+    });
+}
+
 bool nearest_to_ball(const Situation& now, const PlayParams& params) {
+    if (!now.heard.empty()) {
+        return nearest_by_heard(now, params);
+    }
     const double mine = distance(now.self, now.ball);
     return std::none_of(now.mates.begin(), now.mates.end(), [&](const Spot& mate) {
         return distance(mate, now.ball) + params.chaser_margin < mine;

@@ -11,9 +11,16 @@ struct Spot {
     double y = 0;
 };
 
+/// What a team-mate said lately about itself and the ball.
+struct HeardMate {
+    int number = 0;
+    double ball_distance = 0; ///< from the ball as it believes it (m)
+    bool chasing = false;     ///< it was going for the ball when it spoke
+};
+
 /// What a player knows when it picks its role: its number, its place and
-/// heading (degrees), the ball, the team-mates it has seen lately and its
-/// spot of the formation.
+/// heading (degrees), the ball, the team-mates it has seen lately, its spot
+/// of the formation and what its team-mates said lately.
 struct Situation {
     int number = 0;
     Spot self;
@@ -29,6 +36,11 @@ struct Situation {
     /// before another player has, so the chaser lines up and leaves the
     /// ball until play is on (the referee puts it on after a while).
     bool own_kick_off = false;
+    /// The team-mates heard lately. The ball goes to the one nearest it by
+    /// what each said; while nobody has been heard, by the mates seen.
+    std::vector<HeardMate> heard{};
+    /// Whether it went for the ball last cycle.
+    bool chasing = false;
 };
 
 enum class Role { keeper, chaser, support };
@@ -71,7 +83,9 @@ struct PlayParams {
 /// Picks the role and the spot: the keeper (number 1) holds its line between
 /// ball and goal; the player nearest the ball lines up behind it facing the
 /// opponents' goal and dribbles; the others keep the formation shifted
-/// toward the ball.
+/// toward the ball. Among heard team-mates the one going for the ball keeps
+/// it until another is nearer by the chaser margin, and of two equally near
+/// the lower number goes, so that the team agrees on one.
 Decision decide(const Situation& now, const PlayParams& params);
 
 } // namespace demo

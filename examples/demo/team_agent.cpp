@@ -166,9 +166,16 @@ void TeamAgent::report(std::ostream& out) {
     out << "\nperceptions: " << clock.received() << " received, " << clock.missed() << " missed\n";
     char joints[96];
     std::snprintf(joints, sizeof joints,
-                  "joints: worst error %.1f degrees over the last %zu cycles\n\n",
+                  "joints: worst error %.1f degrees over the last %zu cycles\n",
                   posture->worst_recent_error(), Posture::window);
     out << joints;
+    if (play_soccer != nullptr && play_soccer->talk_counts().played != 0) {
+        const PlaySoccer::TalkCounts& talk = play_soccer->talk_counts();
+        out << "talk: said " << talk.said << ", heard " << talk.heard
+            << " from team-mates; went for the ball in " << talk.chased << " of " << talk.played
+            << " cycles played\n";
+    }
+    out << '\n';
     action_log->print(out);
     out << '\n';
     if (action_log->get_current_action() != action_log->get_actions().end()) {

@@ -71,4 +71,18 @@ TEST_F(JointComponents, TheSkillSendsEveryJointOfTheRobotOncePerCycle) {
     }
 }
 
+TEST_F(JointComponents, SayingSendsACarriedTextAndRefusesOneTheServerWouldDrop) {
+    agent.actions("talk", 0, 10);
+    for (const std::string& text :
+         {std::string("a\"b"), std::string("a b"), std::string(21, 'x')}) {
+        EXPECT_FALSE(agent.say(text)) << text;
+        EXPECT_NE(agent.say.refusal(), "") << text;
+    }
+    EXPECT_EQ(next_frame(100), "");
+    ASSERT_TRUE(agent.say("p1:-3.5,2;b+4"));
+    EXPECT_EQ(agent.say.refusal(), "");
+    EXPECT_EQ(next_frame(), "(say p1:-3.5,2;b+4)");
+    EXPECT_EQ(log.get_current_action()->second->get_effector_chain(), "(say p1:-3.5,2;b+4)");
+}
+
 } // namespace

@@ -1,6 +1,7 @@
 // The demo team's choice of role and spot, on situations whose answer is
 // clear from the field.
 #include "roles.h"
+#include "team_talk.h"
 
 #include <gtest/gtest.h>
 
@@ -35,76 +36,108 @@ struct Case {
     bool dribble;
 };
 
+const demo::Spot home{-6, 2};
+const Case cases[] = {
+    {"keeper follows the ball along its line, within reach",
+     {1, {-14, 0}, 0, true, {0, 4}, {}, home},
+     Role::keeper,
+     -14.3,
+     0.9,
+     false},
+    {"keeper goes for a ball at its goal",
+     {1, {-14, 0}, 0, true, {-13.5, 0}, {}, home},
+     Role::keeper,
+     -13.75,
+     0,
+     false},
+    {"nearest player lines up behind the ball",
+     {5, {-2, 0}, 0, true, {0, 0}, {}, home},
+     Role::chaser,
+     -0.25,
+     0,
+     false},
+    {"lined up and facing the goal, it dribbles",
+     {5, {-0.3, 0}, 5, true, {0, 0}, {}, home},
+     Role::chaser,
+     -0.25,
+     0,
+     true},
+    {"lined up but facing away, it turns first",
+     {5, {-0.3, 0}, 90, true, {0, 0}, {}, home},
+     Role::chaser,
+     -0.25,
+     0,
+     false},
+    {"dribbling into the ball, nearer than its line-up spot, it dribbles on",
+     {5, {-0.1, 0.05}, 10, true, {0, 0}, {}, home, true},
+     Role::chaser,
+     -0.25,
+     0,
+     true},
+    {"own kick-off: lined up and facing the goal, it leaves the ball till play is on",
+     {5, {-0.6, 0}, 5, true, {0, 0}, {}, home, false, true},
+     Role::chaser,
+     -0.6,
+     0,
+     false},
+    {"the ball got away from the dribble: it lines up again",
+     {5, {-1.5, 0}, 0, true, {0, 0}, {}, home, true},
+     Role::chaser,
+     -0.25,
+     0,
+     false},
+    {"in front of the ball it walks round it on its own side",
+     {5, {1, 0.5}, 180, true, {0, 0}, {}, home},
+     Role::chaser,
+     -0.6,
+     0.6,
+     false},
+    {"a mate nearer the ball chases; this one follows the formation",
+     {5, {-3, 0}, 0, true, {2, 1}, {{1.5, 1}}, home},
+     Role::support,
+     -5,
+     2.3,
+     false},
+    {"a mate heard nearer the ball chases, though a seen mate is farther",
+     {5, {-3, 0}, 0, true, {0, 0}, {{5, 5}}, home, false, false, {{3, 2.5, false}}},
+     Role::support,
+     -6,
+     2,
+     false},
+    {"heard mates farther away: it chases, though a seen mate is nearer",
+     {5, {-2, 0}, 0, true, {0, 0}, {{-0.5, 0}}, home, false, false, {{3, 2.5, false}}},
+     Role::chaser,
+     -0.25,
+     0,
+     false},
+    {"the chasing mate keeps the ball against one nearer by less than the margin",
+     {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{3, 2.2, true}}},
+     Role::support,
+     -6,
+     2,
+     false},
+    {"this chaser keeps it too, against a mate nearer by less than the margin",
+     {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{3, 1.8, false}}, true},
+     Role::chaser,
+     -0.25,
+     0,
+     false},
+    {"a mate nearer by more than the margin takes over from the chaser",
+     {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{3, 1.6, false}}, true},
+     Role::support,
+     -6,
+     2,
+     false},
+    {"equally near: the lower number goes; the keeper's word does not count",
+     {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{1, 0.1, true}, {7, 2, false}}},
+     Role::chaser,
+     -0.25,
+     0,
+     false},
+    {"no ball seen: home", {5, {-3, 0}, 0, false, {2, 1}, {}, home}, Role::support, -6, 2, false},
+};
+
 TEST(Roles, EachSituationGetsItsRoleAndSpot) {
-    const demo::Spot home{-6, 2};
-    const Case cases[] = {
-        {"keeper follows the ball along its line, within reach",
-         {1, {-14, 0}, 0, true, {0, 4}, {}, home},
-         Role::keeper,
-         -14.3,
-         0.9,
-         false},
-        {"keeper goes for a ball at its goal",
-         {1, {-14, 0}, 0, true, {-13.5, 0}, {}, home},
-         Role::keeper,
-         -13.75,
-         0,
-         false},
-        {"nearest player lines up behind the ball",
-         {5, {-2, 0}, 0, true, {0, 0}, {}, home},
-         Role::chaser,
-         -0.25,
-         0,
-         false},
-        {"lined up and facing the goal, it dribbles",
-         {5, {-0.3, 0}, 5, true, {0, 0}, {}, home},
-         Role::chaser,
-         -0.25,
-         0,
-         true},
-        {"lined up but facing away, it turns first",
-         {5, {-0.3, 0}, 90, true, {0, 0}, {}, home},
-         Role::chaser,
-         -0.25,
-         0,
-         false},
-        {"dribbling into the ball, nearer than its line-up spot, it dribbles on",
-         {5, {-0.1, 0.05}, 10, true, {0, 0}, {}, home, true},
-         Role::chaser,
-         -0.25,
-         0,
-         true},
-        {"own kick-off: lined up and facing the goal, it leaves the ball till play is on",
-         {5, {-0.6, 0}, 5, true, {0, 0}, {}, home, false, true},
-         Role::chaser,
-         -0.6,
-         0,
-         false},
-        {"the ball got away from the dribble: it lines up again",
-         {5, {-1.5, 0}, 0, true, {0, 0}, {}, home, true},
-         Role::chaser,
-         -0.25,
-         0,
-         false},
-        {"in front of the ball it walks round it on its own side",
-         {5, {1, 0.5}, 180, true, {0, 0}, {}, home},
-         Role::chaser,
-         -0.6,
-         0.6,
-         false},
-        {"a mate nearer the ball chases; this one follows the formation",
-         {5, {-3, 0}, 0, true, {2, 1}, {{1.5, 1}}, home},
-         Role::support,
-         -5,
-         2.3,
-         false},
-        {"no ball seen: home",
-         {5, {-3, 0}, 0, false, {2, 1}, {}, home},
-         Role::support,
-         -6,
-         2,
-         false},
-    };
     for (const Case& c : cases) {
         const Decision d = demo::decide(c.now, params());
         EXPECT_EQ(d.role, c.role) << c.what;
@@ -116,6 +149,49 @@ TEST(Roles, EachSituationGetsItsRoleAndSpot) {
             EXPECT_TRUE(d.face) << c.what;
             EXPECT_NEAR(d.face_deg, 0, 1e-9) << c.what;
         }
+    }
+}
+
+// What a player says comes back to the centimetre, within the server's 20
+// characters; and in 22 cycles each of eleven speaks once, never two in a
+// row (a listener would lose the second).
+TEST(Roles, TeamMatesSpeakInTurnsAndAreUnderstood) {
+    demo::MateReport said;
+    said.number = 11;
+    said.self = {-15.5, 10.49};
+    said.ball_age = 3.7;
+    said.ball = {14.99, -0.01};
+    said.ball_distance = 30.5;
+    said.chasing = true;
+    const std::string text = demo::encode(said);
+    EXPECT_LE(text.size(), 20u);
+    const auto heard = demo::decode(text);
+    ASSERT_TRUE(heard);
+    EXPECT_EQ(heard->number, 11);
+    EXPECT_NEAR(heard->self.x, -15.5, 1e-9);
+    EXPECT_NEAR(heard->self.y, 10.49, 1e-9);
+    EXPECT_NEAR(*heard->ball_age, 3.7, 1e-9);
+    EXPECT_NEAR(heard->ball.x, 14.99, 1e-9);
+    EXPECT_NEAR(heard->ball.y, -0.01, 1e-9);
+    EXPECT_NEAR(heard->ball_distance, 30.5, 1e-9);
+    EXPECT_TRUE(heard->chasing);
+    said.ball_age.reset();
+    EXPECT_FALSE(demo::decode(demo::encode(said))->ball_age);
+    EXPECT_FALSE(demo::decode("hello"));
+
+    const demo::TeamTalk talk;
+    int last = -10, spoke[12] = {};
+    for (int cycle = 1000; cycle < 1022; ++cycle) {
+        for (int number = 1; number <= 11; ++number) {
+            if (talk.my_turn(number, cycle * 0.02)) {
+                EXPECT_GE(cycle - last, 2) << number;
+                last = cycle;
+                ++spoke[number];
+            }
+        }
+    }
+    for (int number = 1; number <= 11; ++number) {
+        EXPECT_EQ(spoke[number], 1) << number;
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <orvo/communication/messenger.h>
 #include <orvo/effectors/effector_joints.h>
+#include <orvo/effectors/effector_say.h>
 #include <orvo/knowledgebase/actionlog.h>
 #include <orvo/knowledgebase/injectors/injector_action.h>
 #include <orvo/knowledgebase/injectors/injector_effector.h>
@@ -16,7 +17,7 @@
 
 namespace orvo_test {
 
-/// An agent of nothing but joint control and its knowledge base, linked as
+/// An agent of nothing but joint control, speech and its knowledge base, linked as
 /// an Architect would link it and connected to the server at `port`.
 struct JointAgent {
     struct ServerAt : orvo::communication::Configuration {
@@ -35,12 +36,14 @@ struct JointAgent {
                                 {"injector_skill", &skills},
                                 {"injector_effector", &effectors},
                                 {"effector_joints", &effector},
+                                {"effector_say", &say},
                                 {"skill_joints", &skill}};
         for (auto& [name, component] : classes) {
             component->link(classes);
         }
         messenger.init();
         effector.init();
+        say.init();
         skill.init();
         bound_waits(communit.get_socket().getFD());
     }
@@ -54,6 +57,7 @@ struct JointAgent {
     orvo::knowledgebase::injectors::Injector_Skill skills;
     orvo::knowledgebase::injectors::Injector_Effector effectors;
     orvo::effectors::Effector_Joints effector;
+    orvo::effectors::Effector_Say say;
     orvo::skills::Skill_Joints skill;
 };
 

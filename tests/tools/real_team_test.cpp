@@ -1,9 +1,10 @@
 // On the real server in sync mode: eleven robots of a legal mix join with
 // numbers 1 to 11 and beam where they were sent in their own half (by the
-// monitor), and one robot's head and arms reach the angles the library's
-// joint control holds them at.
+// monitor), one robot's head and arms reach the angles the library's joint
+// control holds them at, and what a robot says reaches its team-mate intact.
 #include <gtest/gtest.h>
 
+#include <orvo/communication/say_codec.h>
 #include <orvo/monitor/monitor_client.h>
 #include <orvo/perception/perception_reader.h>
 #include <orvo/skills/joint_controller.h>
@@ -22,6 +23,7 @@
 #include "real_server.h"
 #include "sim_robot.h"
 #include "sim_server.h"
+#include "squad.h"
 
 namespace {
 
@@ -173,6 +175,30 @@ TEST(RealTeam, HeadAndArmsReachHeldAnglesWithinThreeDegrees) {
                 measured, upper_error, leg_error);
     RecordProperty("leg_error_degrees", std::to_string(leg_error));
     EXPECT_LT(upper_error, 3.0);
+}
+
+// The longest text, packed by the codec with characters from both ends of
+// its alphabet, heard by the team-mate in the next perception.
+TEST(RealTeam, WhatARobotSaysReachesItsTeamMateIntact) {
+    ORVO_REQUIRE_REAL_SERVER();
+    sim::SimServer server;
+    sim::Squad squad(server.agent_port());
+    squad.join(0, "orvo");
+    squad.join(1, "orvo");
+    communication::SayWriter writer;
+    for (const double value :
+         {0.0, 8099.0, 1234.0, 4321.0, 42.0, 8000.0, 17.0, 99.0, 7.0, 5000.0}) {
+        writer.put(value, {0, 8099, 1});
+    }
+    const std::string text = writer.text();
+    ASSERT_EQ(text.size(), communication::say_max_length);
+    ASSERT_EQ(communication::say_fault(text), "");
+    squad.step({"(say " + text + ")"});
+    const auto& heard = squad.step()[1];
+    ASSERT_EQ(heard.size(), 1u);
+    EXPECT_EQ(heard[0].team, "orvo");
+    EXPECT_FALSE(heard[0].self);
+    EXPECT_EQ(heard[0].text, text);
 }
 
 } // namespace

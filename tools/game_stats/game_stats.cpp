@@ -122,12 +122,17 @@ void Collector::note_possession() {
     int nearest = -1;
     if (truth.play_mode == orvo::monitor::play_mode_number("PlayOn")) {
         double best = 0;
+        int at_ball[2] = {0, 0};
         for (const auto& robot : truth.robots) {
             const double distance = std::hypot(robot.x - truth.ball[0], robot.y - truth.ball[1]);
             if (on_field(robot) && (nearest < 0 || distance < best)) {
                 best = distance;
                 nearest = side_index(robot.side);
             }
+            at_ball[side_index(robot.side)] += on_field(robot) && distance < 1.0 ? 1 : 0;
+        }
+        for (int side = 0; side < 2; ++side) {
+            stats.crowded[side] += at_ball[side] >= 2 ? 1 : 0;
         }
     }
     if (nearest >= 0) {
@@ -178,6 +183,8 @@ GameStats Collector::result() const {
     }
     out.possession[0] *= k;
     out.possession[1] *= k;
+    out.crowded[0] *= k;
+    out.crowded[1] *= k;
     for (auto* stretches : {&out.modes, &out.nearest}) {
         for (auto& stretch : *stretches) {
             stretch.from *= k;

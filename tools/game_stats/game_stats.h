@@ -48,6 +48,9 @@ struct GameStats {
     std::vector<Goal> goals;
     /// Time in PlayOn with each team's robot nearest the ball (s).
     double possession[2] = {0, 0};
+    /// Time in PlayOn with two or more of a team's robots within a metre of
+    /// the ball (s): a team that agrees on one robot for the ball keeps it low.
+    double crowded[2] = {0, 0};
     /// Server time in each play mode (s), by the mode's number.
     std::map<int, double> mode_seconds;
     std::vector<orvo::monitor::Foul> fouls;

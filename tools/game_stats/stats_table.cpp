@@ -35,12 +35,14 @@ void write_goals(std::ostream& out, const GameStats& stats) {
 
 void write_possession(std::ostream& out, const GameStats& stats) {
     const double total = stats.possession[0] + stats.possession[1];
-    out << "## Possession\n\nThe team whose robot is nearest the ball, during PlayOn.\n\n"
-        << "| team | time (s) | share |\n|---|---:|---:|\n";
+    out << "## Possession\n\nThe team whose robot is nearest the ball, during PlayOn, and the "
+           "time two or more of its robots were within a metre of the ball.\n\n"
+        << "| team | time (s) | share | two at the ball (s) |\n|---|---:|---:|---:|\n";
     for (const Side side : {Side::left, Side::right}) {
-        const double time = stats.possession[side == Side::left ? 0 : 1];
+        const int index = side == Side::left ? 0 : 1;
+        const double time = stats.possession[index];
         out << "| " << team_label(stats, side) << " | " << fixed(time) << " | "
-            << share(time, total) << " |\n";
+            << share(time, total) << " | " << fixed(stats.crowded[index]) << " |\n";
     }
     out << '\n';
 }
