@@ -55,10 +55,11 @@ struct ORVO_API WalkParams {
     double tilt_filter = 0; ///< share of a new tilt reading taken each cycle
     /// Foot placement: the swing foot lands further forward (left) by this
     /// many metres per degree the torso is tipping forward (left), the tilt
-    /// beyond the lean plus its rate over the pendulum's time constant; at
-    /// most place_max either way.
+    /// beyond the lean plus its rate times place_rate (s); at most place_max
+    /// either way.
     double place_pitch = 0;
     double place_roll = 0;
+    double place_rate = 0;
     double place_max = 0;
     /// The first step waits until the torso is steady: tilted no more than
     /// this (deg) from the lean and turning no faster than start_gyro (deg/s).

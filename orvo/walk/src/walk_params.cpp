@@ -35,6 +35,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(tilt_filter);
     ORVO_WALK_PARAM(place_pitch);
     ORVO_WALK_PARAM(place_roll);
+    ORVO_WALK_PARAM(place_rate);
     ORVO_WALK_PARAM(place_max);
     ORVO_WALK_PARAM(start_tilt);
     ORVO_WALK_PARAM(start_gyro);

@@ -10,7 +10,6 @@ namespace orvo::walk {
 namespace {
 
 constexpr double radians_per_degree = 0.017453292519943295;
-constexpr double gravity = 9.81;
 
 double approach(double from, double to, double step) {
     return from + std::clamp(to - from, -step, step);
@@ -214,11 +213,11 @@ void Walker::place_swing_foot() {
     if (!walking_ || !has_tilt_) {
         return;
     }
-    // Where the torso will be tipped a pendulum's time constant from now:
-    // a foot set down under that catches it.
-    const double constant = std::sqrt(params_.com_height / gravity);
-    const double forward = tilt_.pitch - params_.lean + gyro_.y() * constant;
-    const double right = tilt_.roll + gyro_.x() * constant;
+    // Where the torso will be tipped place_rate seconds from now: a foot set
+    // down under that catches it. The gyroscope's rate jumps at every
+    // landing, and a foot target that jumps with it kicks the joints.
+    const double forward = tilt_.pitch - params_.lean + gyro_.y() * params_.place_rate;
+    const double right = tilt_.roll + gyro_.x() * params_.place_rate;
     const double most = params_.place_max;
     gait_.place(std::clamp(params_.place_pitch * forward, -most, most),
                 std::clamp(-params_.place_roll * right, -most, most));
