@@ -1,5 +1,5 @@
 // The walker without a server: it takes its first step only from a steady
-// torso, fed made-up perceptions of a tilted or rocking one.
+// torso and sees through a shaken accelerometer, fed made-up perceptions.
 #include <orvo/body/body_model.h>
 #include <orvo/walk/walker.h>
 
@@ -36,6 +36,27 @@ TEST(Walker, FirstStepWaitsForASteadyTorso) {
         // Waiting, it gathers no speed for a sudden first step.
         EXPECT_EQ(walker.velocity().forward == 0, !c.walks);
     }
+}
+
+TEST(Walker, TiltSeesThroughAShakenAccelerometer) {
+    // A still torso pitched 5 degrees forward and rolled 3 to the right whose
+    // accelerometer is shaken up and down by 15 m/s^2 each cycle: single
+    // readings point up to 170 degrees off, their average does not.
+    const auto params = orvo::walk::WalkParams::from(
+        orvo::walk::ParamSet::load(std::string(ORVO_PARAMS) + "/walk/type0.json"));
+    orvo::walk::Walker walker(orvo::body::BodyModel::for_type(0), params);
+    const double pitch = 5 * 3.14159265358979 / 180;
+    const double roll = 3 * 3.14159265358979 / 180;
+    orvo::perception::Perception torso; // the server's torso frame: x right, y forward
+    torso.has_accelerometer = torso.has_gyroscope = true;
+    for (int i = 0; i < 500; ++i) {
+        const double shake = i % 2 == 0 ? 15 : -15;
+        torso.accelerometer = {float(-9.81 * std::sin(roll)), float(-9.81 * std::sin(pitch)),
+                               float(9.81 * std::cos(pitch) * std::cos(roll) + shake)};
+        walker.update(torso);
+    }
+    EXPECT_NEAR(walker.tilt().pitch, 5, 0.5);
+    EXPECT_NEAR(walker.tilt().roll, 3, 0.5);
 }
 
 } // namespace
