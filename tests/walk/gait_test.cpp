@@ -81,25 +81,23 @@ TEST(Gait, SwayIsNoneAtTheSwitchAndTowardTheSupportFoot) {
 }
 
 TEST(Gait, SwingFootShedsItsShareOfTheWalkBeforeLanding) {
-    // The swing foot's speed over the ground, at lift-off and touch-down, is
-    // the support foot's speed under the hips (the body's) times the share
-    // it does not shed.
+    // At lift-off and touch-down the swing foot moves over the ground at the
+    // body's speed (the support foot's under the hips) times the share it
+    // does not shed.
     for (double match : {0.0, 0.5, 1.0}) {
         auto params = type0();
         params.landing_match = match;
         Gait gait(params, 0.055);
-        walk(gait, {0.3, 0.1, 0}, 3);
-        gait.begin(Side::left, {0.3, 0.1, 0}, 1);
-        const double dt = 1e-4 * params.step_time;
-        for (double phase : {dt, 1.0}) {
-            const auto swing = [&](double p) { return gait.offset(Side::right, p); };
-            const auto support = [&](double p) { return gait.offset(Side::left, p); };
-            const double body_x = (support(phase).x - support(phase - dt).x);
-            const double body_y = (support(phase).y - support(phase - dt).y);
-            const double ground_x = (swing(phase).x - swing(phase - dt).x) - body_x;
-            const double ground_y = (swing(phase).y - swing(phase - dt).y) - body_y;
-            EXPECT_NEAR(ground_x, -(1 - match) * body_x, 1e-3 * std::fabs(body_x)) << match;
-            EXPECT_NEAR(ground_y, -(1 - match) * body_y, 1e-3 * std::fabs(body_y)) << match;
+        walk(gait, {0.3, 0, 0}, 3);
+        gait.begin(Side::left, {0.3, 0, 0}, 1);
+        const auto moved = [&](Side side, double phase) {
+            return gait.offset(side, phase).x - gait.offset(side, phase - 1e-4).x;
+        };
+        for (double phase : {1e-4, 1.0}) {
+            const double body = moved(Side::left, phase);
+            EXPECT_NEAR(moved(Side::right, phase) - body, -(1 - match) * body,
+                        1e-3 * std::fabs(body))
+                << match;
         }
     }
 }
