@@ -62,6 +62,10 @@ public:
     bool advance(double seconds);
     /// Ends the step early (the swing foot touched down).
     void finish() { phase_ = 1; }
+    /// Sets the swing foot down `x` m further forward and `y` m further left
+    /// than the velocity asks, to catch the body where it is tipping; each call
+    /// replaces the last one's shift for this step.
+    void place(double x, double y);
 
     double phase() const { return phase_; }
     Side support() const { return support_; }
@@ -90,6 +94,7 @@ private:
     double sway_scale_ = 0;
     std::array<Offset, 2> start_{};
     std::array<Offset, 2> end_{};
+    Offset swing_end_; ///< the swing foot's end before place()
 };
 
 } // namespace orvo::walk

@@ -21,6 +21,10 @@ struct ORVO_API WalkParams {
     double double_support = 0; ///< share of a step with both feet down
     double switch_phase = 0;   ///< earliest share of a step at which contact ends it
     double contact_force = 0;  ///< newtons on the swing foot that count as contact
+    /// Share of the walk's speed the swing foot sheds before it lands (and
+    /// takes along when it lifts): 0 lands it moving with the hips, 1 at rest
+    /// on the ground.
+    double landing_match = 0;
     // The stance.
     double hip_height = 0; ///< hip joints above the soles
     double lean = 0;       ///< torso pitched forward
@@ -49,6 +53,14 @@ struct ORVO_API WalkParams {
     double tilt_pitch = 0;  ///< hip pitch per degree of forward tilt beyond the lean
     double tilt_roll = 0;   ///< hip roll per degree of sideways tilt
     double tilt_filter = 0; ///< share of a new tilt reading taken each cycle
+    /// Foot placement: the swing foot lands further forward (left) by this
+    /// many metres per degree the torso is tipping forward (left), the tilt
+    /// beyond the lean plus its rate times place_rate (s); at most place_max
+    /// either way.
+    double place_pitch = 0;
+    double place_roll = 0;
+    double place_rate = 0;
+    double place_max = 0;
     /// The first step waits until the torso is steady: tilted no more than
     /// this (deg) from the lean and turning no faster than start_gyro (deg/s).
     double start_tilt = 0;

@@ -63,6 +63,11 @@ public:
     const robot::JointSet& joints() const { return joints_; }
     /// False when a sole target was out of the leg's reach this cycle.
     bool reachable() const { return reachable_; }
+    /// The torso's tilt as the walk measures it: degrees forward, and about
+    /// the forward axis (positive leaning right).
+    const Attitude& tilt() const { return tilt_; }
+    /// The gyroscope's last reading, deg/s about forward, left and up.
+    const Eigen::Vector3d& rates() const { return gyro_; }
     const WalkParams& params() const { return params_; }
 
 private:
@@ -76,6 +81,8 @@ private:
     void step_on(const perception::Perception& perception);
     void track_odometry(const Offset& before);
     void sense(const perception::Perception& perception);
+    /// Shifts the swing foot's landing toward where the torso is tipping.
+    void place_swing_foot();
     void pose_joints();
 
     body::BodyModel model_;
@@ -89,8 +96,9 @@ private:
     bool walking_ = false;
     bool last_step_ = false;
     Odometry odometry_;
-    Eigen::Vector3d gyro_ = Eigen::Vector3d::Zero(); ///< deg/s about forward, left, up
-    Attitude tilt_;                                  ///< measured, filtered
+    Eigen::Vector3d gyro_ = Eigen::Vector3d::Zero();    ///< deg/s about forward, left, up
+    Attitude tilt_;                                     ///< measured, filtered
+    Eigen::Vector3d gravity_ = Eigen::Vector3d::Zero(); ///< the accelerometer, averaged
     /// Degrees the torso turned beyond what the walk asked for, by the
     /// gyroscope: feet slip, and the steps turn it back.
     double drift_ = 0;

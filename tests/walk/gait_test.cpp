@@ -80,4 +80,26 @@ TEST(Gait, SwayIsNoneAtTheSwitchAndTowardTheSupportFoot) {
     EXPECT_NEAR(gait.sway(), 0, 1e-12);
 }
 
+TEST(Gait, SwingFootShedsItsShareOfTheWalkBeforeLanding) {
+    // At lift-off and touch-down the swing foot moves over the ground at the
+    // body's speed (the support foot's under the hips) times the share it
+    // does not shed.
+    for (double match : {0.0, 0.5, 1.0}) {
+        auto params = type0();
+        params.landing_match = match;
+        Gait gait(params, 0.055);
+        walk(gait, {0.3, 0, 0}, 3);
+        gait.begin(Side::left, {0.3, 0, 0}, 1);
+        const auto moved = [&](Side side, double phase) {
+            return gait.offset(side, phase).x - gait.offset(side, phase - 1e-4).x;
+        };
+        for (double phase : {1e-4, 1.0}) {
+            const double body = moved(Side::left, phase);
+            EXPECT_NEAR(moved(Side::right, phase) - body, -(1 - match) * body,
+                        1e-3 * std::fabs(body))
+                << match;
+        }
+    }
+}
+
 } // namespace

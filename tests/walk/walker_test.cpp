@@ -1,5 +1,5 @@
 // The walker without a server: it takes its first step only from a steady
-// torso, fed made-up perceptions of a tilted or rocking one.
+// torso and sees through a shaken accelerometer, fed made-up perceptions.
 #include <orvo/body/body_model.h>
 #include <orvo/walk/walker.h>
 
@@ -15,19 +15,25 @@ TEST(Walker, FirstStepWaitsForASteadyTorso) {
         orvo::walk::ParamSet::load(std::string(ORVO_PARAMS) + "/walk/type0.json"));
     struct Case {
         double pitch, rate; // deg forward, deg/s about the forward axis
+        double shake;       // m/s^2 up and down, alternating each cycle
         bool walks;
     };
-    for (const Case& c : {Case{params.lean, 0, true},
-                          {params.lean + 2 * params.start_tilt, 0, false},
-                          {params.lean - 2 * params.start_tilt, 0, false},
-                          {params.lean, 2 * params.start_gyro, false}}) {
+    // Shaken, single readings point up to 170 degrees off: only their average
+    // tells the tilt.
+    for (const Case& c : {Case{params.lean, 0, 0, true},
+                          {params.lean, 0, 15, true},
+                          {params.lean + 2 * params.start_tilt, 0, 0, false},
+                          {params.lean - 2 * params.start_tilt, 0, 0, false},
+                          {params.lean, 2 * params.start_gyro, 0, false}}) {
         orvo::perception::Perception torso; // the server's torso frame: x right, y forward
         torso.has_accelerometer = torso.has_gyroscope = true;
         const double angle = c.pitch * 3.14159265358979 / 180;
-        torso.accelerometer = {0, float(-9.81 * std::sin(angle)), float(9.81 * std::cos(angle))};
         torso.gyroscope = {0, float(c.rate), 0};
         orvo::walk::Walker walker(orvo::body::BodyModel::for_type(0), params);
         for (int i = 0; i < 75; ++i) {
+            const double shake = i % 2 == 0 ? c.shake : -c.shake;
+            torso.accelerometer = {0, float(-9.81 * std::sin(angle)),
+                                   float(9.81 * std::cos(angle) + shake)};
             walker.set_velocity(i < 25 ? 0 : 0.3, 0, 0);
             walker.update(torso);
         }

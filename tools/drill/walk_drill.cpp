@@ -64,10 +64,27 @@ void trace(const Trial& trial, const walk::Walker& walker) {
                 std::max(error, std::fabs(walker.targets()[i] - trial.perception().joints[joint]));
         }
     }
+    // The torso's true pitch forward and roll to the right, as the
+    // accelerometer of a still torso would give them.
+    double pitch = 0;
+    double roll = 0;
+    if (const monitor::RobotTruth* truth = trial.truth()) {
+        const double* m = truth->parts.front().pose.m;
+        pitch = std::atan2(-m[6], m[10]) * 180 / 3.14159265358979;
+        roll = std::atan2(-m[2], m[10]) * 180 / 3.14159265358979;
+    }
+    const auto& acc = trial.perception().accelerometer;
+    const double acc_pitch = std::atan2(-acc.y, acc.z) * 180 / 3.14159265358979;
+    const double acc_roll = std::atan2(-acc.x, acc.z) * 180 / 3.14159265358979;
     std::fprintf(stderr,
-                 "t %.2f pose %.3f %.3f %.1f z %.3f tilt %.1f | %s phase %.2f v %.2f %.2f %.0f "
+                 "t %.2f pose %.3f %.3f %.1f z %.3f tilt %.1f %.1f %.1f acc %.1f %.1f | pitch %.1f "
+                 "roll %.1f g %.0f %.0f "
+                 "%s phase %.2f "
+                 "v %.2f %.2f %.0f "
                  "odo %.2f %.2f %.0f err %.1f%s\n",
                  trial.game_time(), pose.x, pose.y, pose.heading, trial.height(), trial.tilt(),
+                 pitch, roll, acc_pitch, acc_roll, walker.tilt().pitch, walker.tilt().roll,
+                 walker.rates().x(), walker.rates().y(),
                  walker.standing()                    ? "stand"
                  : gait.support() == walk::Side::left ? "left "
                                                       : "right",

@@ -43,6 +43,15 @@ void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
     if (velocity.turn * sign(swing) > 0) {
         swing_end.yaw = velocity.turn * 2 * time;
     }
+    swing_end_ = swing_end;
+}
+
+void Gait::place(double x, double y) {
+    // Shifting the end moves the foot by the shift times the share of the
+    // swing done, so a shift that changes a little each cycle stays smooth.
+    Offset& end = end_[at(other(support_))];
+    end.x = swing_end_.x + x;
+    end.y = swing_end_.y + y;
 }
 
 bool Gait::advance(double seconds) {
@@ -59,8 +68,21 @@ Offset Gait::offset(Side side, double phase) const {
     if (side == support_) {
         return blend(start_[at(side)], end_[at(side)], phase);
     }
+    // The hips move on over the support foot while the swing foot is in the
+    // air; a foot set down still moving with them slides on the ground and
+    // jolts the body round. The swing foot takes `landing_match` of the
+    // support foot's motion along, so that it lifts off and lands with that
+    // share of the walk's speed shed.
     const double share = (1 - std::cos(pi * swing_share(phase))) / 2;
-    return blend(start_[at(side)], end_[at(side)], share);
+    const Offset& support_start = start_[at(support_)];
+    const Offset& support_end = end_[at(support_)];
+    const double carry = params_.landing_match;
+    const double carried_x = (support_end.x - support_start.x) * carry;
+    const double carried_y = (support_end.y - support_start.y) * carry;
+    Offset now = blend(start_[at(side)], end_[at(side)], share);
+    now.x += carried_x * (phase - share);
+    now.y += carried_y * (phase - share);
+    return now;
 }
 
 bool Gait::feet_together() const {

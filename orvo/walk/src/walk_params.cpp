@@ -11,6 +11,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(double_support);
     ORVO_WALK_PARAM(switch_phase);
     ORVO_WALK_PARAM(contact_force);
+    ORVO_WALK_PARAM(landing_match);
     ORVO_WALK_PARAM(hip_height);
     ORVO_WALK_PARAM(lean);
     ORVO_WALK_PARAM(foot_x);
@@ -32,6 +33,10 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(tilt_pitch);
     ORVO_WALK_PARAM(tilt_roll);
     ORVO_WALK_PARAM(tilt_filter);
+    ORVO_WALK_PARAM(place_pitch);
+    ORVO_WALK_PARAM(place_roll);
+    ORVO_WALK_PARAM(place_rate);
+    ORVO_WALK_PARAM(place_max);
     ORVO_WALK_PARAM(start_tilt);
     ORVO_WALK_PARAM(start_gyro);
     ORVO_WALK_PARAM(arm_pitch);

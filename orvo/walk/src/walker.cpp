@@ -190,14 +190,37 @@ void Walker::sense(const perception::Perception& perception) {
         drift_ = walking_ ? drift_ + (gyro_.z() - velocity_.turn) * robot::cycle_seconds : 0;
     }
     if (perception.has_accelerometer) {
+        // The accelerometer, shaken by every step far more than the torso
+        // tilts, is averaged as a vector (its angles from single readings
+        // swing by tens of degrees) and only pulls the tilt back slowly; the
+        // gyroscope carries the tilt from cycle to cycle.
         const Eigen::Vector3d a = walk_axes(perception.accelerometer);
-        const Attitude now{std::atan2(-a.x(), a.z()) / radians_per_degree,
-                           std::atan2(a.y(), a.z()) / radians_per_degree};
         const double share = has_tilt_ ? params_.tilt_filter : 1.0;
+        gravity_ += (a - gravity_) * share;
+        if (has_tilt_ && perception.has_gyroscope) {
+            tilt_.pitch += gyro_.y() * robot::cycle_seconds;
+            tilt_.roll += gyro_.x() * robot::cycle_seconds;
+        }
+        const Attitude now{std::atan2(-gravity_.x(), gravity_.z()) / radians_per_degree,
+                           std::atan2(gravity_.y(), gravity_.z()) / radians_per_degree};
         tilt_.pitch += (now.pitch - tilt_.pitch) * share;
         tilt_.roll += (now.roll - tilt_.roll) * share;
         has_tilt_ = true;
     }
+}
+
+void Walker::place_swing_foot() {
+    if (!walking_ || !has_tilt_) {
+        return;
+    }
+    // Where the torso will be tipped place_rate seconds from now: a foot set
+    // down under that catches it. The gyroscope's rate jumps at every
+    // landing, and a foot target that jumps with it kicks the joints.
+    const double forward = tilt_.pitch - params_.lean + gyro_.y() * params_.place_rate;
+    const double right = tilt_.roll + gyro_.x() * params_.place_rate;
+    const double most = params_.place_max;
+    gait_.place(std::clamp(params_.place_pitch * forward, -most, most),
+                std::clamp(-params_.place_roll * right, -most, most));
 }
 
 void Walker::pose_joints() {
@@ -252,6 +275,7 @@ void Walker::update(const perception::Perception& perception) {
         accelerate();
     }
     step_on(perception);
+    place_swing_foot();
     pose_joints();
     controller_.step(targets_, rates_, angles_, joints_, speeds_);
 }
