@@ -25,7 +25,7 @@ grep -q "^# orvo (left) [0-9]* : [0-9]* rivals (right)" "$run/game.md" || {
   echo "demo_play.sh: no score in the game's statistics" >&2
   exit 1
 }
-grep -c "^orvo/\|^rivals/" "$work/demo.txt" | grep -qx 22 || {
+grep -cE "^(orvo|rivals)/[0-9]+, type [0-4]: agent " "$work/demo.txt" | grep -qx 22 || {
   echo "demo_play.sh: not every agent reported" >&2
   exit 1
 }
