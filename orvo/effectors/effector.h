@@ -23,6 +23,10 @@ public:
     knowledgebase::injectors::Injector_Effector* get_effector_injector() const;
 
 protected:
+    /// Throws LogicException when "messenger" or "injector_effector" is of
+    /// another class: an effector that sends needs both.
+    void require_links() const;
+
     communication::Messenger* messenger = nullptr;
     knowledgebase::injectors::Injector_Effector* effector_injector = nullptr;
 };

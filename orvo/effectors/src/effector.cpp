@@ -21,6 +21,15 @@ void Effector::link(Class_Map& classes) {
     }
 }
 
+void Effector::require_links() const {
+    if (messenger == nullptr || effector_injector == nullptr) {
+        throw LogicException(gen_ffl_string(source_file, "require_links", __LINE__),
+                             messenger == nullptr
+                                 ? "\"messenger\" is not a Messenger"
+                                 : "\"injector_effector\" is not an Injector_Effector");
+    }
+}
+
 communication::Messenger* Effector::get_messenger() const {
     return messenger;
 }

@@ -15,12 +15,7 @@ Effector_Joints::Effector_Joints() {
 Effector_Joints::~Effector_Joints() = default;
 
 void Effector_Joints::init() {
-    if (messenger == nullptr || effector_injector == nullptr) {
-        throw LogicException(gen_ffl_string("effectors/src/effector_joints.cpp", "init", __LINE__),
-                             messenger == nullptr
-                                 ? "\"messenger\" is not a Messenger"
-                                 : "\"injector_effector\" is not an Injector_Effector");
-    }
+    require_links();
 }
 
 std::string Effector_Joints::get_name() const {

@@ -12,12 +12,7 @@ Effector_Say::Effector_Say() {
 Effector_Say::~Effector_Say() = default;
 
 void Effector_Say::init() {
-    if (messenger == nullptr || effector_injector == nullptr) {
-        throw LogicException(gen_ffl_string("effectors/src/effector_say.cpp", "init", __LINE__),
-                             messenger == nullptr
-                                 ? "\"messenger\" is not a Messenger"
-                                 : "\"injector_effector\" is not an Injector_Effector");
-    }
+    require_links();
 }
 
 std::string Effector_Say::get_name() const {
