@@ -208,11 +208,12 @@ void check_answers(const Report& agent, const std::vector<std::string>& messages
 
     // The action log's effector records, oldest first, are the tail of
     // what the server received, in the same order.
+    // Ten actions kept, a joint command each, less the last when it went unread.
     recorded = effector_records(agent.output);
-    if (last_answer_unread && !recorded.empty()) {
+    ASSERT_GE(recorded.size(), 10u) << agent.output;
+    if (last_answer_unread) {
         recorded.pop_back();
     }
-    ASSERT_GE(recorded.size(), 10u) << agent.output; // ten actions kept, a joint command each
     ASSERT_LE(recorded.size(), commands.size());
     const std::vector<std::string> tail(commands.end() - static_cast<long>(recorded.size()),
                                         commands.end());
