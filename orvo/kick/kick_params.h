@@ -35,7 +35,7 @@ struct ORVO_API KickParams {
     // lifted and drawn back, swung through, drawn back, set down, hips back.
     double shift_y = 0; ///< hips' shift toward the support foot
     double shift_time = 0;
-    double crouch = 0; ///< hips lowered during the kick
+    double crouch = 0; ///< hips lowered during the kick (negative: raised, a longer swing)
     double lift_time = 0;
     double back_x = 0;     ///< kicking sole behind its stand place
     double lift_z = 0;     ///< kicking sole above the ground, drawn back
@@ -46,7 +46,10 @@ struct ORVO_API KickParams {
     double swing_z = 0;     ///< and above the ground
     double swing_pitch = 0; ///< toes down during the swing (ankle, degrees)
     double lunge = 0;       ///< hips forward over the support foot at the end of the swing
-    double swing_lean = 0;  ///< torso pitched forward by the support hip through the swing, degrees
+    /// The support hip turns the torso through the swing, degrees: negative
+    /// pitches it back, which carries the kicking leg forward under it and
+    /// adds that hip's speed to the foot's.
+    double swing_lean = 0;
     double retract_time = 0;
     double lower_time = 0;
     double unshift_time = 0;

@@ -107,8 +107,8 @@ void wait_for_rest(Trial& trial, kick::Kicker& kicker) {
 /// kick's spot, the robot at `spot` (where the beam put it already).
 void place(Trial& trial, const KickOptions& kick, const FieldPose& spot) {
     trial.monitor().place_ball(kick.ball_x, kick.ball_y, ball_radius);
-    // At the height the beam gave it: the types stand at different heights,
-    // and a torso put lower than that pushes the feet into the ground.
+    // At the height it stands at: the types stand at different heights, and
+    // a torso put lower than that pushes the feet into the ground.
     trial.catch_up();
     const double height = trial.height() > 0 ? trial.height() + height_margin : robot_height;
     trial.monitor().place_robot(monitor::Side::left, trial.number(), spot.x, spot.y, height,
@@ -134,7 +134,6 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
                         const walk::WalkParams& walk, const kick::KickParams& params, int run) {
     const FieldPose spot{kick.ball_x - behind, kick.ball_y, 0};
     Trial trial(options, spot);
-    place(trial, kick, spot);
     kick::Kicker kicker(body::BodyModel::for_type(options.type), walk, params);
     const auto cycle = [&] {
         kicker.update(trial.perception());
@@ -143,9 +142,17 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
             trace(trial, kicker);
         }
     };
-    for (int i = 0; i < stand_seconds / robot::cycle_seconds; ++i) {
-        cycle();
-    }
+    const auto stand = [&] {
+        for (int i = 0; i < stand_seconds / robot::cycle_seconds; ++i) {
+            cycle();
+        }
+    };
+    // Placed once it stands in the walk's stance, at the height it stands
+    // at: placed at the height its straight legs gave it after the beam, a
+    // tall type dropped into its stance and toppled.
+    stand();
+    place(trial, kick, spot);
+    stand();
     trial.catch_up();
     if (!trial.pose()) {
         throw std::runtime_error("the monitor never showed the robot");

@@ -102,8 +102,10 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         angles[i] = mix(angles[i], through[i], share);
     }
-    // The support hip pitches the torso forward through the swing: the
-    // kicking thigh, hung from the torso, turns that much faster.
+    // The support hip turns the torso through the swing. Pitched back, the
+    // torso carries the kicking leg, hung below it, forward: the foot then
+    // gains that hip's speed on top of its own hip's and knee's, each held
+    // to the same speed limit.
     const robot::Joint support_hip =
         kicking_ == walk::Side::left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
     angles[robot::index(support_hip)] += params_.swing_lean * share;
