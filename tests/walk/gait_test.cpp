@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -99,6 +100,30 @@ TEST(Gait, SwingFootShedsItsShareOfTheWalkBeforeLanding) {
                         1e-3 * std::fabs(body))
                 << match;
         }
+    }
+}
+
+TEST(Gait, SwingFootLiftsToTheHeightItsTurnAsks) {
+    auto params = type0();
+    params.step_height = 0.04;
+    params.turn_step_height = 0.02;
+    // Straight, half the turn limit, all of it, and beyond (held there).
+    const struct {
+        Velocity velocity;
+        double height;
+    } cases[] = {{{0.3, 0, 0}, 0.04},
+                 {{0, 0, params.max_turn / 2}, 0.03},
+                 {{0.1, 0, -params.max_turn}, 0.02},
+                 {{0, 0, 2 * params.max_turn}, 0.02}};
+    for (const auto& step : cases) {
+        Gait gait(params, 0.055);
+        gait.begin(Side::left, step.velocity, 1);
+        double highest = 0;
+        while (!gait.advance(0.005)) {
+            highest = std::max(highest, gait.sole(Side::right).position.z() -
+                                            gait.stand_sole(Side::right).position.z());
+        }
+        EXPECT_NEAR(highest, step.height, 1e-4) << step.velocity.turn;
     }
 }
 
