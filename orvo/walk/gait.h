@@ -94,7 +94,8 @@ private:
     double sway_scale_ = 0;
     std::array<Offset, 2> start_{};
     std::array<Offset, 2> end_{};
-    Offset swing_end_; ///< the swing foot's end before place()
+    Offset swing_end_;       ///< the swing foot's end before place()
+    double step_height_ = 0; ///< this step's, as the turn asks
 };
 
 } // namespace orvo::walk

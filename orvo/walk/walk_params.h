@@ -16,8 +16,12 @@ using params::ParamSet;
 /// degrees, times in seconds.
 struct ORVO_API WalkParams {
     // The step cycle.
-    double step_time = 0;      ///< one step, support switch to switch
-    double step_height = 0;    ///< how high the swing foot lifts
+    double step_time = 0;   ///< one step, support switch to switch
+    double step_height = 0; ///< how high the swing foot lifts
+    /// How high it lifts turning at max_turn, blended in with the turn's
+    /// share: a foot turning out high above the ground twists the body on
+    /// its support foot longer than it needs to.
+    double turn_step_height = 0;
     double double_support = 0; ///< share of a step with both feet down
     double switch_phase = 0;   ///< earliest share of a step at which contact ends it
     double contact_force = 0;  ///< newtons on the swing foot that count as contact
@@ -58,6 +62,10 @@ struct ORVO_API WalkParams {
     /// beyond the lean plus its rate times place_rate (s); at most place_max
     /// either way.
     double place_pitch = 0;
+    /// Added to place_pitch in proportion to the turn's share of max_turn:
+    /// turning on the spot the feet step no further forward than the hips,
+    /// and a torso tipping forward has no step to catch it but this one.
+    double place_turn_pitch = 0;
     double place_roll = 0;
     double place_rate = 0;
     double place_max = 0;

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -99,6 +100,20 @@ TEST(Gait, SwingFootShedsItsShareOfTheWalkBeforeLanding) {
                         1e-3 * std::fabs(body))
                 << match;
         }
+    }
+}
+
+TEST(Gait, SwingFootLiftsToTheHeightItsTurnAsks) {
+    auto params = type0();
+    params.turn_step_height = params.step_height / 2;
+    // Straight, half the turn limit, all of it, and beyond (held there).
+    for (const double share : {0.0, 0.5, 1.0, 2.0}) {
+        Gait gait(params, 0.055);
+        gait.begin(Side::left, {0.1, 0, -share * params.max_turn}, 1);
+        gait.advance(params.step_time / 2); // mid-swing: the foot at its highest
+        const double lift =
+            gait.sole(Side::right).position.z() - gait.stand_sole(Side::right).position.z();
+        EXPECT_NEAR(lift, params.step_height * (1 - std::min(share, 1.0) / 2), 1e-9) << share;
     }
 }
 

@@ -44,6 +44,8 @@ void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
         swing_end.yaw = velocity.turn * 2 * time;
     }
     swing_end_ = swing_end;
+    const double turning = std::min(1.0, std::fabs(velocity.turn) / params_.max_turn);
+    step_height_ = params_.step_height + (params_.turn_step_height - params_.step_height) * turning;
 }
 
 void Gait::place(double x, double y) {
@@ -118,7 +120,7 @@ SoleTarget Gait::sole(Side side, double ahead) const {
     target.position.y() += now.y - sign(support_) * sway(phase);
     target.yaw = now.yaw;
     if (side != support_ && phase < 1) {
-        target.position.z() += params_.step_height * std::sin(pi * swing_share(phase));
+        target.position.z() += step_height_ * std::sin(pi * swing_share(phase));
     }
     return target;
 }

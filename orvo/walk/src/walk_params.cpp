@@ -8,6 +8,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     WalkParams params;
     ORVO_WALK_PARAM(step_time);
     ORVO_WALK_PARAM(step_height);
+    ORVO_WALK_PARAM(turn_step_height);
     ORVO_WALK_PARAM(double_support);
     ORVO_WALK_PARAM(switch_phase);
     ORVO_WALK_PARAM(contact_force);
@@ -34,6 +35,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(tilt_roll);
     ORVO_WALK_PARAM(tilt_filter);
     ORVO_WALK_PARAM(place_pitch);
+    ORVO_WALK_PARAM(place_turn_pitch);
     ORVO_WALK_PARAM(place_roll);
     ORVO_WALK_PARAM(place_rate);
     ORVO_WALK_PARAM(place_max);
