@@ -1,6 +1,7 @@
 #include "roles.h"
 
 #include <orvo/params/param_set.h>
+#include <orvo/world/field.h>
 
 #include <algorithm>
 #include <cmath>
@@ -75,6 +76,19 @@ Decision chase(const Situation& now, const PlayParams& params) {
     return out;
 }
 
+// A field player's spot inside the own penalty box (or within the margin
+// of it) moves out to the box's front edge.
+Decision out_of_own_box(Decision decision, const PlayParams& params) {
+    namespace field = orvo::world::field;
+    const double front = -field::half_length + field::penalty_length + params.area_margin;
+    Spot& spot = decision.target;
+    if (spot.x < front && std::abs(spot.y) < field::penalty_half_width + params.area_margin) {
+        spot.x = front;
+        decision.dribble = false;
+    }
+    return decision;
+}
+
 } // namespace
 
 PlayParams PlayParams::for_type(int type) {
@@ -96,6 +110,7 @@ PlayParams PlayParams::for_type(int type) {
     out.position_near = set["position_near"];
     out.position_gain = set["position_gain"];
     out.face_gain = set["face_gain"];
+    out.area_margin = set["area_margin"];
     return out;
 }
 
@@ -117,11 +132,13 @@ Decision decide(const Situation& now, const PlayParams& params) {
         return {Role::support, now.home, false};
     }
     if (nearest_to_ball(now, params)) {
-        return chase(now, params);
+        return out_of_own_box(chase(now, params), params);
     }
-    return {Role::support,
-            {now.home.x + params.follow_x * now.ball.x, now.home.y + params.follow_y * now.ball.y},
-            false};
+    return out_of_own_box(
+        {Role::support,
+         {now.home.x + params.follow_x * now.ball.x, now.home.y + params.follow_y * now.ball.y},
+         false},
+        params);
 }
 
 } // namespace demo

@@ -78,6 +78,7 @@ struct PlayParams {
     double position_near = 0;     ///< within this of a spot to face, it steps there
     double position_gain = 0;     ///< m/s per metre off the spot
     double face_gain = 0;         ///< deg/s per degree off the way to face
+    double area_margin = 0;       ///< field players keep this far out of the own penalty box
 };
 
 /// Picks the role and the spot: the keeper (number 1) holds its line between
@@ -85,7 +86,9 @@ struct PlayParams {
 /// opponents' goal and dribbles; the others keep the formation shifted
 /// toward the ball. Among heard team-mates the one going for the ball keeps
 /// it until another is nearer by the chaser margin, and of two equally near
-/// the lower number goes, so that the team agrees on one.
+/// the lower number goes, so that the team agrees on one. Only the keeper
+/// enters the own penalty box: the referee calls a fourth defender in it a
+/// foul, and a ball there is the keeper's.
 Decision decide(const Situation& now, const PlayParams& params);
 
 } // namespace demo

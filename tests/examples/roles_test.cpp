@@ -25,6 +25,7 @@ demo::PlayParams params() {
     p.follow_y = 0.3;
     p.dribble_keep_m = 0.6;
     p.dribble_keep_deg = 40;
+    p.area_margin = 0.5;
     return p;
 }
 
@@ -133,6 +134,18 @@ const Case cases[] = {
      Role::chaser,
      -0.25,
      0,
+     false},
+    {"a ball in the own penalty box: the chaser waits at its front edge, the keeper clears",
+     {5, {-14.5, 0}, 0, true, {-14, 0}, {}, home},
+     Role::chaser,
+     -12.7,
+     0,
+     false},
+    {"the formation follows the ball back, but not into the own penalty box",
+     {3, {-9, 0}, 0, true, {-14, 0.5}, {{-13, 0}}, {-9.5, 0}},
+     Role::support,
+     -12.7,
+     0.15,
      false},
     {"no ball seen: home", {5, {-3, 0}, 0, false, {2, 1}, {}, home}, Role::support, -6, 2, false},
 };
