@@ -18,7 +18,8 @@
 #                     (default 250: 5 s at 50 cycles per second)
 #   --types LIST      robot types (0 to 4) of the players in start order,
 #                     repeated when shorter than the team (default
-#                     0,0,0,0,0,1,1,1,1,2,2: a mix real servers accept)
+#                     0,0,0,0,0,0,0,2,2,4,4: a mix real servers accept, of the
+#                     types that get up best)
 #   --sync            let the server (real or stand-in) step as soon as every
 #                     agent has answered, instead of in real time; used to
 #                     measure the agents and the server's speed
@@ -54,7 +55,7 @@ root=$(pwd)
 agents=11
 teams=
 cycles=
-types=0,0,0,0,0,1,1,1,1,2,2
+types=0,0,0,0,0,0,0,2,2,4,4
 sync=()
 slowdown=1
 external=
