@@ -63,14 +63,19 @@ void JoinGate::syn(SimRobot& robot, const std::string& commands) {
     robot.send(commands);
 }
 
-std::unique_ptr<SimRobot> JoinGate::connect(const std::string& host, int port,
-                                            const RobotEntry& entry) {
-    std::unique_lock hold(gate_);
+std::unique_ptr<SimRobot> connect_at_rest(const std::string& host, int port,
+                                          const RobotEntry& entry) {
     constexpr std::chrono::milliseconds settle{30};
     std::this_thread::sleep_for(settle); // the cycle in progress ends
     auto robot = std::make_unique<SimRobot>(host, port, entry);
     std::this_thread::sleep_for(settle); // the server takes the scene at rest
     return robot;
+}
+
+std::unique_ptr<SimRobot> JoinGate::connect(const std::string& host, int port,
+                                            const RobotEntry& entry) {
+    std::unique_lock hold(gate_);
+    return connect_at_rest(host, port, entry);
 }
 
 } // namespace orvo::sim

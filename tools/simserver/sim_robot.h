@@ -66,6 +66,13 @@ private:
     int number_ = 0;
 };
 
+/// Connects a robot to a sync-mode server at rest: waits for the cycle in
+/// progress to end, connects (see SimRobot's constructor), and waits again
+/// while the server takes the scene. A scene taken mid-cycle can stall the
+/// server for good; the caller keeps the other robots from "(syn)"ing meanwhile.
+std::unique_ptr<SimRobot> connect_at_rest(const std::string& host, int port,
+                                          const RobotEntry& entry);
+
 /// Robots that step in threads of one process, in sync mode: a robot that
 /// connects while the others' "(syn)"s are moving the server through a cycle
 /// can stall the server for good (measured: 6 of 14 teams of eleven; none of

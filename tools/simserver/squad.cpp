@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <thread>
 
 namespace orvo::sim {
 
@@ -12,13 +11,7 @@ namespace orvo::sim {
 int Squad::join(int type, const std::string& team) {
     const bool first = robots_.empty();
     const std::chrono::milliseconds wait(first ? 10000 : 500);
-    // The server takes a scene reliably only at rest, a little after the
-    // others' last perceptions went out and before their next "(syn)".
-    constexpr std::chrono::milliseconds settle{30};
-    std::this_thread::sleep_for(settle);
-    robots_.push_back(
-        std::make_unique<SimRobot>("127.0.0.1", port_, RobotEntry{type, 0, team, wait}));
-    std::this_thread::sleep_for(settle);
+    robots_.push_back(connect_at_rest("127.0.0.1", port_, RobotEntry{type, 0, team, wait}));
     SimRobot& fresh = *robots_.back();
     const std::size_t others = robots_.size() - 1;
     int perceptions = 0;
