@@ -4,6 +4,9 @@
 #include <orvo/core/export.h>
 #include <orvo/params/param_set.h>
 
+#include <algorithm>
+#include <cmath>
+
 namespace orvo::walk {
 
 using params::Param;
@@ -98,6 +101,10 @@ struct ORVO_API WalkParams {
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.
     static WalkParams from(const ParamSet& set);
+
+    /// The share of max_turn that `turn` (deg/s) asks for, 0 to 1: what the
+    /// turn-dependent step height and foot placement blend in by.
+    double turn_share(double turn) const { return std::min(1.0, std::fabs(turn) / max_turn); }
 };
 
 } // namespace orvo::walk

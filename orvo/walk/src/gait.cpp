@@ -44,7 +44,7 @@ void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
         swing_end.yaw = velocity.turn * 2 * time;
     }
     swing_end_ = swing_end;
-    const double turning = std::min(1.0, std::fabs(velocity.turn) / params_.max_turn);
+    const double turning = params_.turn_share(velocity.turn);
     step_height_ = params_.step_height + (params_.turn_step_height - params_.step_height) * turning;
 }
 

@@ -219,7 +219,7 @@ void Walker::place_swing_foot() {
     const double forward = tilt_.pitch - params_.lean + gyro_.y() * params_.place_rate;
     const double right = tilt_.roll + gyro_.x() * params_.place_rate;
     const double most = params_.place_max;
-    const double turning = std::min(1.0, std::fabs(velocity_.turn) / params_.max_turn);
+    const double turning = params_.turn_share(velocity_.turn);
     const double pitch_gain = params_.place_pitch + params_.place_turn_pitch * turning;
     gait_.place(std::clamp(pitch_gain * forward, -most, most),
                 std::clamp(-params_.place_roll * right, -most, most));
