@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 
 namespace orvo::drill {
 
@@ -162,12 +163,14 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
     nlohmann::json at_kick;
+    std::optional<Ball> kicked_from;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
         if (at_kick.is_null() && kicker.phase() == kick::KickPhase::kick) {
             // Where the ball truly lay from the torso as the kick began.
             trial.catch_up();
             const Ball ball = ball_of(trial);
+            kicked_from = ball;
             const FieldPose seen =
                 relative_to(trial.pose().value_or(start), FieldPose{ball.x, ball.y, 0});
             at_kick = {seen.x, seen.y};
@@ -183,6 +186,11 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     result["upright"] = !trial.down();
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
     result["ball_at_kick"] = at_kick;
+    // The kick's own share of the distance: a ball pushed along by the
+    // approach's steps adds to distance_m and not to this.
+    const Ball rest = ball_of(trial);
+    result["kick_distance_m"] =
+        kicked_from ? std::hypot(rest.x - kicked_from->x, rest.y - kicked_from->y) : 0.0;
     return result;
 }
 
