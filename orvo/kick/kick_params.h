@@ -57,6 +57,10 @@ struct ORVO_API KickParams {
     /// pitches it back, which carries the kicking leg forward under it and
     /// adds that hip's speed to the foot's.
     double swing_lean = 0;
+    /// The support knee bends through the swing, degrees (negative: bends):
+    /// the body above it turns back about that knee, which stands higher than
+    /// the ball, and so carries the kicking foot forward as the lean does.
+    double swing_knee = 0;
     double retract_time = 0;
     double lower_time = 0;
     double unshift_time = 0;

@@ -108,9 +108,13 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
     // torso carries the kicking leg, hung below it, forward: the foot then
     // gains that hip's speed on top of its own hip's and knee's, each held
     // to the same speed limit.
+    const bool left = kicking_ == walk::Side::left;
     const robot::Joint support_hip =
-        kicking_ == walk::Side::left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
+        left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
+    const robot::Joint support_knee =
+        left ? robot::Joint::right_knee_pitch : robot::Joint::left_knee_pitch;
     angles[robot::index(support_hip)] += params_.swing_lean * share;
+    angles[robot::index(support_knee)] += params_.swing_knee * share;
     return reached;
 }
 
