@@ -31,16 +31,18 @@ for name in sorted(glob.glob(os.path.join(out, "*.jsonl"))):
     if not results:
         continue
     distances = [r["distance_m"] for r in results]
+    kicked = [r.get("kick_distance_m", 0) for r in results]
     errors = [r["direction_error_deg"] for r in results]
-    rows.append("| %s | %d | %.2f | %.2f | %.2f | %.1f | %.1f | %d%% | %d | %.1f |" % (
-        os.path.basename(name)[:-6], len(results), statistics.mean(distances),
+    rows.append("| %s | %d | %.2f | %.2f | %.2f | %.2f | %.1f | %.1f | %d%% | %d | %.1f |" % (
+        os.path.basename(name)[:-6], len(results), statistics.mean(kicked),
+        statistics.mean(distances),
         statistics.median(distances), max(distances), statistics.mean(errors),
         statistics.median(errors), round(100 * sum(r["upright"] for r in results) / len(results)),
         sum(r["falls"] for r in results), statistics.median(r["seconds"] for r in results)))
 table = ["%s runs per trial (sync mode, a new server per run)" % runs, "",
-         "| trial | runs | mean m | median m | best m | mean error deg | median error deg "
-         "| upright after | falls | seconds (median) |",
-         "|---|---|---|---|---|---|---|---|---|---|"] + rows
+         "| trial | runs | kick m | mean m | median m | best m | mean error deg "
+         "| median error deg | upright after | falls | seconds (median) |",
+         "|---|---|---|---|---|---|---|---|---|---|---|"] + rows
 open(os.path.join(out, "table.md"), "w").write("\n".join(table) + "\n")
 print("\n".join(table))
 PY

@@ -42,9 +42,11 @@ public:
     static constexpr std::size_t key_count = 7;
 
     /// `stand`: the walk's stance; `hip_width`: each hip joint beside the
-    /// hips' middle.
+    /// hips' middle; `closer`: the drawn-back foot that much further forward
+    /// (toward a ball lying further than planned), the swing shortened in
+    /// time as in length so that the joints keep their speed.
     KickMotion(const KickParams& params, const walk::WalkParams& stand, double hip_width,
-               walk::Side kicking);
+               walk::Side kicking, double closer = 0);
 
     walk::Side kicking() const { return kicking_; }
     double duration() const;
@@ -55,7 +57,7 @@ public:
     bool angles(const body::BodyModel& model, double seconds, robot::JointValues& angles) const;
     /// The swing's start and end, seconds after the start.
     double swing_begins() const;
-    double swing_ends() const { return swing_begins() + params_.swing_time; }
+    double swing_ends() const { return swing_begins() + times_[2]; }
 
 private:
     /// One key pose: the kicking sole's offset from its stand place, how far

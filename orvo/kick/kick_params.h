@@ -27,7 +27,10 @@ struct ORVO_API KickParams {
     double kick_tolerance_x = 0; ///< still close enough once stood still
     double kick_tolerance_y = 0;
     double kick_tolerance_heading = 0;
-    double settle_time = 0;   ///< standing still before the last look
+    double settle_time = 0; ///< standing still before the last look
+    /// The ball moved more than this while the robot stood: still rolling,
+    /// it is looked at again before the kick.
+    double ball_still = 0;
     double ball_filter = 0;   ///< share of a new ball sighting taken
     double camera_height = 0; ///< over the ground, for aiming the head
     double give_up_time = 0;  ///< approach given up after this long
@@ -42,6 +45,10 @@ struct ORVO_API KickParams {
     double out_y = 0;      ///< kicking sole outward, away from the support leg
     double back_pitch = 0; ///< kicking foot's toes down when drawn back (ankle, degrees)
     double swing_time = 0;
+    /// Share of how much further the ball lies than `ball_x` (up to
+    /// `kick_tolerance_x`) by which the drawn-back foot comes closer to it:
+    /// the foot then meets the ball at the same point of its swing.
+    double follow_ball = 0;
     double swing_x = 0;     ///< kicking sole ahead of its stand place at the end of the swing
     double swing_z = 0;     ///< and above the ground
     double swing_pitch = 0; ///< toes down during the swing (ankle, degrees)
@@ -50,6 +57,10 @@ struct ORVO_API KickParams {
     /// pitches it back, which carries the kicking leg forward under it and
     /// adds that hip's speed to the foot's.
     double swing_lean = 0;
+    /// The support knee bends through the swing, degrees (negative: bends):
+    /// the body above it turns back about that knee, which stands higher than
+    /// the ball, and so carries the kicking foot forward as the lean does.
+    double swing_knee = 0;
     double retract_time = 0;
     double lower_time = 0;
     double unshift_time = 0;

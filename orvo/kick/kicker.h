@@ -85,6 +85,7 @@ private:
     bool side_chosen_ = false;
     std::optional<Pose2> ball_;
     std::optional<Pose2> stand_;
+    Pose2 settled_ball_; ///< the ball as the robot came to stand
     std::optional<KickMotion> motion_;
     double head_yaw_ = 0;
     double head_pitch_ = 0;

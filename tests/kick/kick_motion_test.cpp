@@ -67,23 +67,35 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
     const auto walk = orvo::walk::WalkParams::from(load("walk", 0));
     auto set = load("kick", 0);
     set.set("swing_pitch", 20);
+    set.set("back_x", 0.04);
     const auto kick = orvo::kick::KickParams::from(set);
-    const KickMotion motion(kick, walk, model.hip_width(), Side::left);
-    orvo::robot::JointValues angles{};
-    orvo::kick::pose_legs(model, motion.at(0), Side::left, angles);
-    const Feet stand = feet(model, angles);
-    orvo::kick::pose_legs(model, motion.at(motion.swing_begins()), Side::left, angles);
-    const Feet back = feet(model, angles);
-    orvo::kick::pose_legs(model, motion.at(motion.swing_ends()), Side::left, angles);
-    const Feet through = feet(model, angles);
-    // The body frame's y is forward, z up.
-    EXPECT_LT(back.left.y(), stand.left.y() - 0.5 * kick.back_x);
-    EXPECT_GT(back.left.z(), stand.left.z() + 0.5 * kick.lift_z);
-    EXPECT_GT(through.left.y(), stand.left.y() + 0.5 * kick.swing_x);
-    // Toes down at the end of the swing, level in the stand; the support foot stays put.
-    EXPECT_LT(through.left_toes.z(), -0.2);
-    EXPECT_NEAR(stand.left_toes.z(), 0, 0.1);
-    EXPECT_LT((through.right - back.right).norm(), 1e-6);
+    // A ball lying further than planned brings the drawn-back foot closer
+    // to it; the swing ends where it would and is as much shorter in time.
+    double back_from = 0;
+    for (double closer : {0.0, 0.03}) {
+        SCOPED_TRACE(closer);
+        const KickMotion motion(kick, walk, model.hip_width(), Side::left, closer);
+        orvo::robot::JointValues angles{};
+        orvo::kick::pose_legs(model, motion.at(0), Side::left, angles);
+        const Feet stand = feet(model, angles);
+        orvo::kick::pose_legs(model, motion.at(motion.swing_begins()), Side::left, angles);
+        const Feet back = feet(model, angles);
+        orvo::kick::pose_legs(model, motion.at(motion.swing_ends()), Side::left, angles);
+        const Feet through = feet(model, angles);
+        // The body frame's y is forward, z up.
+        EXPECT_LT(back.left.y(), stand.left.y() - 0.5 * kick.back_x + closer);
+        back_from = closer == 0 ? back.left.y() : back_from;
+        EXPECT_NEAR(back.left.y() - back_from, closer, 0.005);
+        EXPECT_GT(back.left.z(), stand.left.z() + 0.5 * kick.lift_z);
+        EXPECT_GT(through.left.y(), stand.left.y() + 0.5 * kick.swing_x);
+        const double length = kick.swing_x + kick.back_x;
+        EXPECT_NEAR(motion.swing_ends() - motion.swing_begins(),
+                    kick.swing_time * (length - closer) / length, 1e-9);
+        // Toes down at the end of the swing, level in the stand; the support foot stays put.
+        EXPECT_LT(through.left_toes.z(), -0.2);
+        EXPECT_NEAR(stand.left_toes.z(), 0, 0.1);
+        EXPECT_LT((through.right - back.right).norm(), 1e-6);
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // The kicker's decisions without a server, fed made-up sightings of a ball
 // that lies still: it walks toward a ball far off, kicks one lying where the
-// kick needs it, and gives up on one it never sees.
+// kick needs it, waits while one seen on the spot still moves, and gives up on
+// one it never sees.
 #include <orvo/kick/kicker.h>
 
 #include <gtest/gtest.h>
@@ -38,27 +39,33 @@ struct Case {
     double ball_x, ball_y; ///< from the hips, as a share of the spot's offsets (1: on the spot)
     KickPhase expected;
     double seconds;
+    double jitter = 0; ///< the ball seen this much further forward every other sighting
 };
 
 TEST(Kicker, WalksUpKicksOrGivesUp) {
     const auto walk = orvo::walk::WalkParams::from(load("walk"));
-    const auto kick = orvo::kick::KickParams::from(load("kick"));
+    auto set = load("kick");
+    set.set("ball_still", 0.005);
+    const auto kick = orvo::kick::KickParams::from(set);
     const auto model = orvo::body::BodyModel::for_type(0);
     const double line = model.hip_width() + walk.foot_y + kick.ball_y;
     const Case cases[] = {
         {"far ahead", true, 8, 0.5, KickPhase::approach, 1},
         {"on the spot", true, 1, 1, KickPhase::done, 4},
         {"never seen", false, 1, 1, KickPhase::failed, kick.give_up_time + 1},
+        {"still moving", true, 1, 1, KickPhase::settle, 4, 0.02},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         orvo::kick::Kicker kicker(model, walk, kick);
         const auto seen = seeing(c.ball_x * kick.ball_x, c.ball_y * line, walk.lean);
+        const auto moved_on = seeing(c.ball_x * kick.ball_x + c.jitter, c.ball_y * line, walk.lean);
         const orvo::perception::Perception nothing;
         kicker.start(0);
         bool moved = false;
+        int cycle = 0;
         for (double t = 0; t < c.seconds && !kicker.finished(); t += 0.02) {
-            kicker.update(c.sees ? seen : nothing);
+            kicker.update(!c.sees ? nothing : ++cycle % 6 < 3 ? seen : moved_on);
             moved = moved || kicker.walker().target().forward > 0;
         }
         EXPECT_EQ(kicker.phase(), c.expected) << orvo::kick::phase_name(kicker.phase());

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 
 namespace orvo::drill {
 
@@ -116,9 +117,10 @@ void place(Trial& trial, const KickOptions& kick, const FieldPose& spot) {
 }
 
 /// What a run shows: how far and where the ball went from `from` to `to`,
-/// against the heading at the start plus the asked direction.
+/// against the heading at the start plus the asked direction, and how far
+/// from `kicked_from`, where it lay as the kick's motion began.
 void add_figures(nlohmann::json& result, const KickOptions& kick, const FieldPose& start,
-                 const Ball& from, const Ball& to) {
+                 const Ball& from, const Ball& to, const std::optional<Ball>& kicked_from) {
     const double distance = std::hypot(to.x - from.x, to.y - from.y);
     const double wanted = start.heading + kick.direction;
     const double went = std::atan2(to.y - from.y, to.x - from.x) / radians_per_degree;
@@ -128,6 +130,10 @@ void add_figures(nlohmann::json& result, const KickOptions& kick, const FieldPos
         distance < least_kick ? missed_error_deg : std::fabs(std::remainder(went - wanted, 360.0));
     result["ball_from"] = {from.x, from.y};
     result["ball_to"] = {to.x, to.y};
+    // The kick's own share of the distance: a ball pushed along by the
+    // approach's steps adds to distance_m and not to this.
+    result["kick_distance_m"] =
+        kicked_from ? std::hypot(to.x - kicked_from->x, to.y - kicked_from->y) : 0.0;
 }
 
 nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
@@ -162,12 +168,14 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
     nlohmann::json at_kick;
+    std::optional<Ball> kicked_from;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
         if (at_kick.is_null() && kicker.phase() == kick::KickPhase::kick) {
             // Where the ball truly lay from the torso as the kick began.
             trial.catch_up();
             const Ball ball = ball_of(trial);
+            kicked_from = ball;
             const FieldPose seen =
                 relative_to(trial.pose().value_or(start), FieldPose{ball.x, ball.y, 0});
             at_kick = {seen.x, seen.y};
@@ -177,7 +185,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double seconds = trial.game_time() - start_time;
     wait_for_rest(trial, kicker);
     nlohmann::json result = trial.record("kick", options, run, start_time);
-    add_figures(result, kick, start, from, ball_of(trial));
+    add_figures(result, kick, start, from, ball_of(trial), kicked_from);
     result["seconds"] = seconds;
     result["kicked"] = kicker.phase() == kick::KickPhase::done;
     result["upright"] = !trial.down();

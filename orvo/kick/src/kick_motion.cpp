@@ -21,20 +21,22 @@ double mix(double from, double to, double share) {
 } // namespace
 
 KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, double hip_width,
-                       walk::Side kicking)
+                       walk::Side kicking, double closer)
     : params_(params), stand_(stand), hip_width_(hip_width), kicking_(kicking) {
     const KickParams& p = params;
+    const double length = p.swing_x + p.back_x;
+    const double swing_time =
+        length > 0 ? p.swing_time * std::max(length - closer, 0.0) / length : p.swing_time;
     keys_ = {{
         {0, 0, 0, 0, 0, 0, 0},                                         // the walk's stand
         {0, 0, 0, 1, 0, 0, 0},                                         // over the support foot
-        {-p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0},         // drawn back
+        {closer - p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0}, // drawn back
         {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1}, // swung through
         {0, p.lift_z, p.out_y, 1, 0, 0, 1},                            // drawn back under the hips
         {0, 0, 0, 1, 0, 0, 0},                                         // set down
         {0, 0, 0, 0, 0, 0, 0},                                         // back in the stand
     }};
-    times_ = {p.shift_time,   p.lift_time,  p.swing_time,
-              p.retract_time, p.lower_time, p.unshift_time};
+    times_ = {p.shift_time, p.lift_time, swing_time, p.retract_time, p.lower_time, p.unshift_time};
 }
 
 double KickMotion::duration() const {
@@ -98,7 +100,7 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
     robot::JointValues through = angles;
     const bool reached = pose_legs(model, pose(keys_[3]), kicking_, through) &&
                          pose_legs(model, pose(keys_[2]), kicking_, angles);
-    const double share = (seconds - begins) / params_.swing_time;
+    const double share = (seconds - begins) / times_[2];
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         angles[i] = mix(angles[i], through[i], share);
     }
@@ -106,9 +108,13 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
     // torso carries the kicking leg, hung below it, forward: the foot then
     // gains that hip's speed on top of its own hip's and knee's, each held
     // to the same speed limit.
+    const bool left = kicking_ == walk::Side::left;
     const robot::Joint support_hip =
-        kicking_ == walk::Side::left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
+        left ? robot::Joint::right_hip_pitch : robot::Joint::left_hip_pitch;
+    const robot::Joint support_knee =
+        left ? robot::Joint::right_knee_pitch : robot::Joint::left_knee_pitch;
     angles[robot::index(support_hip)] += params_.swing_lean * share;
+    angles[robot::index(support_knee)] += params_.swing_knee * share;
     return reached;
 }
 

@@ -21,6 +21,7 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(kick_tolerance_y);
     ORVO_KICK_PARAM(kick_tolerance_heading);
     ORVO_KICK_PARAM(settle_time);
+    ORVO_KICK_PARAM(ball_still);
     ORVO_KICK_PARAM(ball_filter);
     ORVO_KICK_PARAM(camera_height);
     ORVO_KICK_PARAM(give_up_time);
@@ -33,11 +34,13 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(out_y);
     ORVO_KICK_PARAM(back_pitch);
     ORVO_KICK_PARAM(swing_time);
+    ORVO_KICK_PARAM(follow_ball);
     ORVO_KICK_PARAM(swing_x);
     ORVO_KICK_PARAM(swing_z);
     ORVO_KICK_PARAM(swing_pitch);
     ORVO_KICK_PARAM(lunge);
     ORVO_KICK_PARAM(swing_lean);
+    ORVO_KICK_PARAM(swing_knee);
     ORVO_KICK_PARAM(retract_time);
     ORVO_KICK_PARAM(lower_time);
     ORVO_KICK_PARAM(unshift_time);

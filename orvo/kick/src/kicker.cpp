@@ -121,10 +121,18 @@ void Kicker::approach() {
 void Kicker::settle() {
     if (!walker_.standing()) {
         since_ = clock_;
+        settled_ball_ = *ball_;
         return;
     }
     // A last look once standing still: the steps may have pushed the ball.
     if (clock_ - since_ < params_.settle_time || last_seen_ < since_ + params_.settle_time / 2) {
+        return;
+    }
+    // A ball still rolling from a push would lie elsewhere by the time the
+    // foot comes: look again until it rests.
+    if (std::hypot(ball_->x - settled_ball_.x, ball_->y - settled_ball_.y) > params_.ball_still) {
+        since_ = clock_;
+        settled_ball_ = *ball_;
         return;
     }
     const Pose2 off = relative(robot(), *stand_);
@@ -134,7 +142,12 @@ void Kicker::settle() {
         since_ = clock_;
         return;
     }
-    motion_.emplace(params_, walker_.params(), model_.hip_width(), side_);
+    // Short of the spot, the ball lies further than the swing expects: the
+    // drawn-back foot comes closer to it, so that it still meets the ball at
+    // the speed it has early in the swing.
+    const double further = std::clamp(off.x, 0.0, params_.kick_tolerance_x);
+    motion_.emplace(params_, walker_.params(), model_.hip_width(), side_,
+                    params_.follow_ball * further);
     phase_ = KickPhase::kick;
     since_ = clock_;
 }
