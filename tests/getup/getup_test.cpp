@@ -1,5 +1,6 @@
 // Get-up motions built from parameter sets: sides mirrored, files that
-// cannot make a motion, and which motion follows lying still on each side.
+// cannot make a motion, which motion follows lying still on each side, and
+// keyframes that wait for the torso.
 #include <orvo/getup/getup.h>
 #include <orvo/getup/getup_motions.h>
 
@@ -111,6 +112,60 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
         ASSERT_TRUE(plays(getup, time, 0, g, "getup_back", 1));
         EXPECT_FALSE(plays(getup, time, 0, g, "getup_front", later)) << rolls;
         EXPECT_EQ(plays(getup, time, 0, -g, "getup_front", later), rolls > 0) << rolls;
+    }
+}
+
+/// Plays type 0's back motion held after its second keyframe, the torso felt
+/// lying on its back until `lean_at` and leaning 30 deg forward after; returns
+/// what came after the hold ("fold" or "lie") and when.
+std::pair<std::string, double> after_hold(double wait, bool retry, double lean_at) {
+    constexpr double g = 9.81;
+    const std::string file = ParamSet::load(orvo::params::params_path("getup", 0)).dump();
+    orvo::getup::GetUp getup(
+        0, set_of(file.substr(1, file.rfind('}') - 1) + "," + entry("back.2.lean", -20) + "," +
+                  entry("back.2.wait", wait) + "," + entry("back.2.retry", retry ? 1 : 0)));
+    getup.start(Posture::fallen_back);
+    orvo::perception::Perception felt;
+    felt.has_time = felt.has_accelerometer = true;
+    bool backed = false;
+    for (double time = 0; time < 5; time += 0.02) {
+        felt.time = time;
+        felt.accelerometer = time < lean_at ? orvo::math::Vector3d(0, g, 0)
+                                            : orvo::math::Vector3d(0, -g * 0.5, g * 0.866);
+        getup.update(felt);
+        backed = backed || getup.motion() == "getup_back";
+        if (backed && getup.motion() == "getup_lie") {
+            return {"lie", time};
+        }
+        if (getup.targets()[orvo::robot::index(Joint::left_knee_pitch)] < -5 && backed) {
+            return {"fold", time};
+        }
+    }
+    return {"", 0};
+}
+
+TEST(GetUp, AHeldKeyframeWaitsForTheTorsoThenGoesOnOrStartsOver) {
+    const ParamSet set = ParamSet::load(orvo::params::params_path("getup", 0));
+    // Lying still from the start: the back motion follows the lying pose at once.
+    const double held =
+        orvo::getup::motion_from(set, "lie").duration() + set["back.1.time"] + set["back.2.time"];
+    const struct {
+        double wait, lean_at;
+        bool retry;
+        const char* next;
+        double after, before;
+    } cases[] = {
+        {0.5, 9, false, "fold", held + 0.45, held + 0.6}, // never leans: goes on after the wait
+        // Leans: goes on long before the wait is over (the accelerometer alone
+        // turns the felt up axis slowly).
+        {3, held - 0.5, false, "fold", held, held + 2.5},
+        {0.5, 9, true, "lie", held + 0.45, held + 0.6}, // never leans: starts over
+    };
+    for (const auto& c : cases) {
+        const auto [next, time] = after_hold(c.wait, c.retry, c.lean_at);
+        EXPECT_EQ(next, c.next) << c.wait;
+        EXPECT_GE(time, c.after) << c.wait;
+        EXPECT_LE(time, c.before) << c.wait;
     }
 }
 
