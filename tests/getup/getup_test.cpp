@@ -115,15 +115,24 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
     }
 }
 
-/// Plays type 0's back motion held after its second keyframe, the torso felt
-/// lying on its back until `lean_at` and leaning 30 deg forward after; returns
-/// what came after the hold ("fold" or "lie") and when.
+/// A back motion whose second keyframe is held, the torso felt lying on its
+/// back until `lean_at` and leaning 30 deg forward after; returns what came
+/// after the hold ("fold" or "lie") and when.
 std::pair<std::string, double> after_hold(double wait, bool retry, double lean_at) {
     constexpr double g = 9.81;
-    const std::string file = ParamSet::load(orvo::params::params_path("getup", 0)).dump();
-    orvo::getup::GetUp getup(
-        0, set_of(file.substr(1, file.rfind('}') - 1) + "," + entry("back.2.lean", -20) + "," +
-                  entry("back.2.wait", wait) + "," + entry("back.2.retry", retry ? 1 : 0)));
+    // Type 0's file for all but the back motion, which folds the knees after the hold.
+    std::string entries = entry("back.2.wait", wait) + "," + entry("back.2.retry", retry) + "," +
+                          entry("back.1.time", 0.3) + "," + entry("back.1.knee_pitch", 0) + "," +
+                          entry("back.2.time", 0.4) + "," + entry("back.2.hip_pitch", 90) + "," +
+                          entry("back.2.lean", -20) + "," + entry("back.3.time", 0.25) + "," +
+                          entry("back.3.knee_pitch", -130);
+    const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
+    for (const auto& [name, param] : type0.entries()) {
+        if (name.rfind("back.", 0) != 0) {
+            entries += "," + entry(name, param.value);
+        }
+    }
+    orvo::getup::GetUp getup(0, set_of(entries));
     getup.start(Posture::fallen_back);
     orvo::perception::Perception felt;
     felt.has_time = felt.has_accelerometer = true;
@@ -145,10 +154,8 @@ std::pair<std::string, double> after_hold(double wait, bool retry, double lean_a
 }
 
 TEST(GetUp, AHeldKeyframeWaitsForTheTorsoThenGoesOnOrStartsOver) {
-    const ParamSet set = ParamSet::load(orvo::params::params_path("getup", 0));
     // Lying still from the start: the back motion follows the lying pose at once.
-    const double held =
-        orvo::getup::motion_from(set, "lie").duration() + set["back.1.time"] + set["back.2.time"];
+    const double held = 0.3 + 0.3 + 0.4; // lying pose, back.1, back.2
     const struct {
         double wait, lean_at;
         bool retry;
