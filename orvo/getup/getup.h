@@ -25,9 +25,7 @@ namespace orvo::getup {
 /// A motion may wait on the body rather than the clock: a keyframe N with
 /// "NAME.N.lean" is held until the torso leans back no more than that many
 /// degrees (negative: leaning forward), at most "NAME.N.wait" seconds, so that
-/// a body that moves late moves on late too. When the wait runs out and
-/// "NAME.N.retry" is 1, the body did not follow at all: it lies down and
-/// starts over.
+/// a body that moves late moves on late too.
 /// Every number is the type's parameter file's ("getup/type<T>.json"): the
 /// keyframes and the joint controller's gains ("joint_p", "joint_d").
 class ORVO_API GetUp {
@@ -69,8 +67,7 @@ private:
     void play(const std::string& name, bool mirrored);
     /// Plays the current motion from keyframe `frame` to its next hold.
     void play_from(int frame);
-    /// Moves on from a held keyframe once the torso leans far enough, or
-    /// starts over when it never does and the keyframe says so.
+    /// Moves on from a held keyframe once the torso leans far enough or the wait is over.
     void hold(double now);
     /// Whether the current motion still moves or holds.
     bool moving() const { return player_.playing(motion_) || next_frame_ > 0; }

@@ -74,16 +74,8 @@ void GetUp::hold(double now) {
     }
     hold_from_ = hold_from_ < 0 ? now : hold_from_;
     const std::string held = name_ + "." + std::to_string(next_frame_ - 1) + ".";
-    if (lean_back() <= params_[held + "lean"]) {
+    if (lean_back() <= params_[held + "lean"] || now - hold_from_ >= params_[held + "wait"]) {
         play_from(next_frame_);
-    } else if (now - hold_from_ >= params_[held + "wait"]) {
-        if (params_.has(held + "retry") && params_[held + "retry"] >= 0.5) {
-            next_frame_ = 0;
-            play("lie", false);
-            phase_ = Phase::lying_down;
-        } else {
-            play_from(next_frame_);
-        }
     }
 }
 
