@@ -22,6 +22,10 @@ namespace orvo::getup {
 /// right) rolls it over; "back" stands up from the back, or, when
 /// "back_rolls" is 1, rolls it onto its front. After a roll it waits until
 /// still again and looks once more, so a roll that went wrong is tried again.
+/// A motion may wait on the body rather than the clock: a keyframe N with
+/// "NAME.N.lean" is held until the torso leans back no more than that many
+/// degrees (negative: leaning forward), at most "NAME.N.wait" seconds, so that
+/// a body that moves late moves on late too.
 /// Every number is the type's parameter file's ("getup/type<T>.json"): the
 /// keyframes and the joint controller's gains ("joint_p", "joint_d").
 class ORVO_API GetUp {
@@ -45,8 +49,12 @@ public:
     /// The motion playing or last played ("" before start()).
     const std::string& motion() const { return motion_; }
     /// Seconds of motion planned from the posture given to start(), with
-    /// the lying pose and without the waits until still.
+    /// the lying pose and without the waits until still or for the torso.
     double duration() const { return duration_; }
+
+    /// How far the torso leans back (deg; 90 lying on the back, negative
+    /// leaning forward), as of the last update.
+    double lean_back() const;
 
     /// Speeds to send (rad/s) for joints(); targets (deg) as of the last update.
     const robot::JointValues& speeds() const { return speeds_; }
@@ -57,6 +65,13 @@ private:
     enum class Phase { idle, lying_down, settling, rolling, standing };
 
     void play(const std::string& name, bool mirrored);
+    /// Plays the current motion from keyframe `frame` to its next hold.
+    void play_from(int frame);
+    /// Moves on from a held keyframe once the torso leans far enough or the wait is over.
+    void hold(double now);
+    /// Whether the current motion still moves or holds.
+    bool moving() const { return player_.playing(motion_) || next_frame_ > 0; }
+    bool set_has(const std::string& name, int frame, const char* what) const;
     /// Plays what comes after lying still on `side`.
     void go_on_from(fall::Posture side);
     /// The motions planned from `side` onwards, in seconds.
@@ -67,8 +82,15 @@ private:
     robot::JointSet own_joints_;
     skills::MotionPlayer player_;
     skills::JointController controller_;
+    /// Where up is, from the gyroscope and the accelerometer.
+    fall::FallDetector senses_;
     robot::JointValues speeds_{};
     std::string motion_;
+    std::string name_;
+    bool mirrored_ = false;
+    /// The keyframe after the held one (0: no hold left), since when it holds.
+    int next_frame_ = 0;
+    double hold_from_ = -1;
     Phase phase_ = Phase::idle;
     double settle_from_ = -1;
     double duration_ = 0;

@@ -16,10 +16,16 @@ namespace orvo::getup {
 /// ("hip_roll") sets both, the right one mirrored (roll and yaw angles but
 /// the hip yaw-pitch change sign, so the two sides move as mirror images). With `mirrored`
 /// the whole motion is played mirrored: what it does with the left side it
-/// does with the right. Throws ParamError when there is no keyframe or a
-/// name is no joint's.
+/// does with the right. "NAME.N.lean" and "NAME.N.wait" say
+/// when to go on from a keyframe (GetUp reads them), not where to go. Throws ParamError when there
+/// is no keyframe or a name is no joint's.
 ORVO_API skills::Motion motion_from(const params::ParamSet& set, const std::string& name,
                                     bool mirrored = false);
+/// Keyframes `first` to `last` (or the last there is) of the same motion,
+/// under the same name: the part of a motion played before or after it
+/// waits for the body. Throws ParamError when keyframe `first` is missing.
+ORVO_API skills::Motion motion_part(const params::ParamSet& set, const std::string& name, int first,
+                                    int last, bool mirrored = false);
 
 } // namespace orvo::getup
 

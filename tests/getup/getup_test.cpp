@@ -1,5 +1,6 @@
 // Get-up motions built from parameter sets: sides mirrored, files that
-// cannot make a motion, and which motion follows lying still on each side.
+// cannot make a motion, which motion follows lying still on each side, and
+// keyframes that wait for the torso.
 #include <orvo/getup/getup.h>
 #include <orvo/getup/getup_motions.h>
 
@@ -111,6 +112,40 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
         ASSERT_TRUE(plays(getup, time, 0, g, "getup_back", 1));
         EXPECT_FALSE(plays(getup, time, 0, g, "getup_front", later)) << rolls;
         EXPECT_EQ(plays(getup, time, 0, -g, "getup_front", later), rolls > 0) << rolls;
+    }
+}
+
+TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
+    // Type 0's file but for the back motion: held after keyframe 2, the knees folding at 3.
+    std::string file = entry("back.1.time", 0.3) + "," + entry("back.1.knee_pitch", 0) + "," +
+                       entry("back.2.time", 0.4) + "," + entry("back.2.hip_pitch", 90) + "," +
+                       entry("back.2.lean", -20) + "," + entry("back.3.time", 0.25) + "," +
+                       entry("back.3.knee_pitch", -130);
+    const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
+    for (const auto& [name, param] : type0.entries()) {
+        file += name.rfind("back.", 0) == 0 ? "" : "," + entry(name, param.value);
+    }
+    const double held = 0.3 + 0.3 + 0.4; // the lying pose, back.1 and back.2, lying still
+    const std::size_t knee = orvo::robot::index(Joint::left_knee_pitch);
+    // Lying on the back until lean_at, 30 deg forward after (the accelerometer
+    // alone turns the felt up axis slowly): the fold starts within [after, before].
+    const struct {
+        double wait, lean_at, after, before;
+    } cases[] = {{0.5, 9, held + 0.45, held + 0.65}, {3, held - 0.5, held, held + 2.5}};
+    for (const auto& c : cases) {
+        orvo::getup::GetUp getup(0, set_of(file + "," + entry("back.2.wait", c.wait)));
+        getup.start(Posture::fallen_back);
+        orvo::perception::Perception felt;
+        felt.has_time = felt.has_accelerometer = true;
+        double time = 0;
+        for (; time < 5 && !(time > held - 0.3 && getup.targets()[knee] < -5); time += 0.02) {
+            const bool lying = time < c.lean_at;
+            felt.time = time;
+            felt.accelerometer = orvo::math::Vector3d(0, lying ? 9.81 : -4.9, lying ? 0 : 8.5);
+            getup.update(felt);
+        }
+        EXPECT_GE(time, c.after) << c.wait;
+        EXPECT_LE(time, c.before) << c.wait;
     }
 }
 

@@ -9,6 +9,8 @@ namespace orvo::getup {
 
 namespace {
 
+constexpr double radians_per_degree = 0.017453292519943295;
+
 skills::JointController::Gains gains_of(const params::ParamSet& set) {
     skills::JointController::Gains gains;
     gains.proportional = set["joint_p"];
@@ -27,7 +29,8 @@ fall::Posture lying_side(const perception::Perception& perception) {
 }
 
 GetUp::GetUp(int type, const params::ParamSet& params)
-    : params_(params), own_joints_(robot::joints_of(type)), controller_(gains_of(params)) {
+    : params_(params), own_joints_(robot::joints_of(type)), controller_(gains_of(params)),
+      senses_(body::BodyModel::for_type(type), fall::FallParams::for_type(type)) {
     // Every motion and setting is read once here, so that a broken file fails
     // at once rather than on the field.
     for (const char* name : {"lie", "front", "back", "side"}) {
@@ -43,9 +46,37 @@ GetUp GetUp::for_type(int type) {
 }
 
 void GetUp::play(const std::string& name, bool mirrored) {
-    auto motion = std::make_shared<const skills::Motion>(motion_from(params_, name, mirrored));
+    name_ = name;
+    mirrored_ = mirrored;
+    play_from(1);
+}
+
+void GetUp::play_from(int frame) {
+    int last = frame;
+    while (set_has(name_, last, "time") && !set_has(name_, last, "lean")) {
+        ++last;
+    }
+    next_frame_ = set_has(name_, last + 1, "time") ? last + 1 : 0;
+    hold_from_ = -1;
+    auto motion =
+        std::make_shared<const skills::Motion>(motion_part(params_, name_, frame, last, mirrored_));
     motion_ = motion->name();
     player_.play(std::move(motion));
+}
+
+bool GetUp::set_has(const std::string& name, int frame, const char* what) const {
+    return params_.has(name + "." + std::to_string(frame) + "." + what);
+}
+
+void GetUp::hold(double now) {
+    if (next_frame_ == 0 || player_.playing(motion_)) {
+        return;
+    }
+    hold_from_ = hold_from_ < 0 ? now : hold_from_;
+    const std::string held = name_ + "." + std::to_string(next_frame_ - 1) + ".";
+    if (lean_back() <= params_[held + "lean"] || now - hold_from_ >= params_[held + "wait"]) {
+        play_from(next_frame_);
+    }
 }
 
 bool GetUp::settled(const perception::Perception& perception) const {
@@ -70,6 +101,8 @@ double GetUp::plan(fall::Posture side) const {
 void GetUp::start(fall::Posture posture) {
     player_.release_all();
     controller_.reset();
+    // Started on a still robot: the first reading of the accelerometer says where up is.
+    senses_.reset();
     if (!fall::lying(posture)) {
         posture = fall::Posture::fallen_back;
     }
@@ -96,12 +129,19 @@ void GetUp::go_on_from(fall::Posture side) {
     }
 }
 
+double GetUp::lean_back() const {
+    const Eigen::Vector3d& up = senses_.up();
+    return std::atan2(up.y(), up.z()) / radians_per_degree;
+}
+
 void GetUp::update(const perception::Perception& perception) {
     if (phase_ == Phase::idle) {
         return;
     }
     const double now = perception.time;
-    if ((phase_ == Phase::lying_down || phase_ == Phase::rolling) && !player_.playing(motion_)) {
+    senses_.update(perception);
+    hold(now);
+    if ((phase_ == Phase::lying_down || phase_ == Phase::rolling) && !moving()) {
         phase_ = Phase::settling;
         settle_from_ = now;
     }
@@ -119,7 +159,7 @@ void GetUp::update(const perception::Perception& perception) {
 }
 
 bool GetUp::active() const {
-    return phase_ != Phase::idle && (phase_ != Phase::standing || player_.playing(motion_));
+    return phase_ != Phase::idle && (phase_ != Phase::standing || moving());
 }
 
 } // namespace orvo::getup

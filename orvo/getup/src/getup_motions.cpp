@@ -3,6 +3,7 @@
 #include <orvo/robot/joints.h>
 
 #include <cstdio>
+#include <limits>
 #include <map>
 #include <string_view>
 
@@ -18,6 +19,11 @@ bool mirror_sign(std::string_view side_free) {
     }
     return side_free.find("roll") != std::string_view::npos ||
            side_free.find("yaw") != std::string_view::npos;
+}
+
+/// The keys of a keyframe that say when to go on rather than where to go.
+bool timing_key(std::string_view key) {
+    return key == "time" || key == "lean" || key == "wait";
 }
 
 /// The joint on the other side: "left_hip_roll" for "right_hip_roll".
@@ -41,10 +47,13 @@ std::map<std::string, double> keyframe_angles(const params::ParamSet& set,
                                               const std::string& prefix, bool mirrored) {
     std::map<std::string, double> angles;
     for (const auto& [key, param] : set.entries()) {
-        if (key.rfind(prefix, 0) != 0 || key == prefix + "time") {
+        if (key.rfind(prefix, 0) != 0) {
             continue;
         }
         const std::string name = key.substr(prefix.size());
+        if (timing_key(name)) {
+            continue;
+        }
         if (robot::joint_by_name(name)) {
             angles[name] = param.value;
         } else if (robot::joint_by_name("left_" + name)) {
@@ -67,9 +76,14 @@ std::map<std::string, double> keyframe_angles(const params::ParamSet& set,
 } // namespace
 
 skills::Motion motion_from(const params::ParamSet& set, const std::string& name, bool mirrored) {
+    return motion_part(set, name, 1, std::numeric_limits<int>::max(), mirrored);
+}
+
+skills::Motion motion_part(const params::ParamSet& set, const std::string& name, int first,
+                           int last, bool mirrored) {
     std::string text;
     char number[32];
-    for (int frame = 1;; ++frame) {
+    for (int frame = first; frame <= last; ++frame) {
         const std::string prefix = name + "." + std::to_string(frame) + ".";
         if (!set.has(prefix + "time")) {
             break;
@@ -83,7 +97,8 @@ skills::Motion motion_from(const params::ParamSet& set, const std::string& name,
         text += '\n';
     }
     if (text.empty()) {
-        throw params::ParamError(set.origin() + ": no keyframe \"" + name + ".1.time\"");
+        throw params::ParamError(set.origin() + ": no keyframe \"" + name + "." +
+                                 std::to_string(first) + ".time\"");
     }
     return skills::Motion::parse(text, (mirrored ? "getup_mirrored_" : "getup_") + name);
 }
