@@ -25,7 +25,9 @@ namespace orvo::getup {
 /// A motion may wait on the body rather than the clock: a keyframe N with
 /// "NAME.N.lean" is held until the torso leans back no more than that many
 /// degrees (negative: leaning forward), at most "NAME.N.wait" seconds, so that
-/// a body that moves late moves on late too.
+/// a body that moves late moves on late too. A stand-up that ends short of
+/// standing (crouched, sitting, half up) lies down and starts over after
+/// "retry_after" seconds: held there, the robot would never stand.
 /// Every number is the type's parameter file's ("getup/type<T>.json"): the
 /// keyframes and the joint controller's gains ("joint_p", "joint_d").
 class ORVO_API GetUp {
@@ -77,6 +79,9 @@ private:
     /// The motions planned from `side` onwards, in seconds.
     double plan(fall::Posture side) const;
     bool back_rolls() const { return params_["back_rolls"] >= 0.5; }
+    /// Whether the stand-up is over and has left the robot short of upright
+    /// for "retry_after" seconds.
+    bool stuck(fall::Posture posture, double now);
 
     params::ParamSet params_;
     robot::JointSet own_joints_;
@@ -93,6 +98,8 @@ private:
     double hold_from_ = -1;
     Phase phase_ = Phase::idle;
     double settle_from_ = -1;
+    /// Since when the finished stand-up has left the robot short of upright.
+    double short_since_ = -1;
     double duration_ = 0;
 };
 

@@ -149,4 +149,29 @@ TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
     }
 }
 
+TEST(GetUp, AStandUpThatEndsShortOfStandingStartsOver) {
+    // Lying on the front until the stand-up plays, then upright: on its feet it
+    // is done; held up with no foot on the ground it lies down again.
+    for (const bool feet_down : {true, false}) {
+        ParamSet set = ParamSet::load(orvo::params::params_path("getup", 0));
+        set.set("retry_after", 1.5);
+        orvo::getup::GetUp getup(0, set);
+        getup.start(Posture::fallen_front);
+        orvo::perception::Perception felt;
+        felt.has_time = felt.has_accelerometer = true;
+        bool stood_up = false, lay_again = false;
+        const double end = 1 + orvo::getup::motion_from(set, "front").duration() + 2;
+        for (double time = 0; time < end; time += 0.02) {
+            stood_up = stood_up || getup.motion() == "getup_front";
+            lay_again = lay_again || (stood_up && getup.motion() == "getup_lie");
+            felt.time = time;
+            felt.accelerometer = orvo::math::Vector3d(0, stood_up ? 0 : -9.81, stood_up ? 9.81 : 0);
+            felt.feet[0].touches = stood_up && feet_down;
+            getup.update(felt);
+        }
+        EXPECT_TRUE(stood_up);
+        EXPECT_EQ(lay_again, !feet_down) << feet_down;
+    }
+}
+
 } // namespace

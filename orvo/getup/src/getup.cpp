@@ -36,7 +36,7 @@ GetUp::GetUp(int type, const params::ParamSet& params)
     for (const char* name : {"lie", "front", "back", "side"}) {
         (void)motion_from(params_, name);
     }
-    for (const char* name : {"back_rolls", "still_rate", "settle_max"}) {
+    for (const char* name : {"back_rolls", "still_rate", "settle_max", "retry_after"}) {
         (void)params_[name];
     }
 }
@@ -139,7 +139,9 @@ void GetUp::update(const perception::Perception& perception) {
         return;
     }
     const double now = perception.time;
-    senses_.update(perception);
+    if (stuck(senses_.update(perception), now)) {
+        start(fall::Posture::getting_up);
+    }
     hold(now);
     if ((phase_ == Phase::lying_down || phase_ == Phase::rolling) && !moving()) {
         phase_ = Phase::settling;
@@ -156,6 +158,15 @@ void GetUp::update(const perception::Perception& perception) {
     player_.update(now, angles);
     controller_.step(player_.targets(), player_.rates(), angles, player_.driven() & own_joints_,
                      speeds_);
+}
+
+bool GetUp::stuck(fall::Posture posture, double now) {
+    if (phase_ != Phase::standing || moving() || posture != fall::Posture::getting_up) {
+        short_since_ = -1;
+        return false;
+    }
+    short_since_ = short_since_ < 0 ? now : short_since_;
+    return now - short_since_ >= params_["retry_after"];
 }
 
 bool GetUp::active() const {
