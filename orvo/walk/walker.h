@@ -81,6 +81,9 @@ private:
     void step_on(const perception::Perception& perception);
     void track_odometry(const Offset& before);
     void sense(const perception::Perception& perception);
+    /// deg/s the heading turns left: the gyroscope's rates taken through the
+    /// tilt.
+    double heading_rate() const;
     /// Shifts the swing foot's landing toward where the torso is tipping.
     void place_swing_foot();
     void pose_joints();

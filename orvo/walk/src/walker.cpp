@@ -186,8 +186,9 @@ void Walker::sense(const perception::Perception& perception) {
     }
     if (perception.has_gyroscope) {
         gyro_ = walk_axes(perception.gyroscope);
-        heading_ += gyro_.z() * robot::cycle_seconds;
-        drift_ = walking_ ? drift_ + (gyro_.z() - velocity_.turn) * robot::cycle_seconds : 0;
+        const double turning = heading_rate();
+        heading_ += turning * robot::cycle_seconds;
+        drift_ = walking_ ? drift_ + (turning - velocity_.turn) * robot::cycle_seconds : 0;
     }
     if (perception.has_accelerometer) {
         // The accelerometer, shaken by every step far more than the torso
@@ -209,6 +210,20 @@ void Walker::sense(const perception::Perception& perception) {
     }
 }
 
+double Walker::heading_rate() const {
+    if (!has_tilt_) {
+        return gyro_.z();
+    }
+    // The torso rocks in pitch and roll with every step; the gyroscope's
+    // rate about the torso's own up axis, summed, drifts from the heading
+    // (the rocking's rates and angles multiply to a steady turn: type 2
+    // walking to a spot 5 m ahead ended 0.2 to 0.4 m aside, its heading 3 to
+    // 7 degrees off). The heading's own rate takes the tilt into account.
+    const double roll = tilt_.roll * radians_per_degree;
+    const double pitch = tilt_.pitch * radians_per_degree;
+    return (gyro_.y() * std::sin(roll) + gyro_.z() * std::cos(roll)) / std::cos(pitch);
+}
+
 void Walker::place_swing_foot() {
     if (!walking_ || !has_tilt_) {
         return;
@@ -221,7 +236,9 @@ void Walker::place_swing_foot() {
     const double most = params_.place_max;
     const double turning = params_.turn_share(velocity_.turn);
     const double pitch_gain = params_.place_pitch + params_.place_turn_pitch * turning;
-    gait_.place(std::clamp(pitch_gain * forward, -most, most),
+    const double beyond = std::max(0.0, std::fabs(forward) - params_.place_tip);
+    const double catching = std::copysign(params_.place_tip_pitch * beyond, forward);
+    gait_.place(std::clamp(pitch_gain * forward + catching, -most, most),
                 std::clamp(-params_.place_roll * right, -most, most));
 }
 
