@@ -23,6 +23,10 @@ struct Odometry {
     double heading = 0;
 };
 
+/// deg/s the heading turns left, from the gyroscope's `rates` (deg/s about
+/// forward, left and up) of a torso tilted by `tilt` (deg).
+ORVO_API double heading_rate(const Eigen::Vector3d& rates, const Attitude& tilt);
+
 /// An omnidirectional walk driven by a target velocity. Each cycle it reads
 /// the perception (joint angles, gyroscope, accelerometer, foot forces),
 /// moves the gait on, turns the soles' targets into joint angles through the
@@ -81,9 +85,6 @@ private:
     void step_on(const perception::Perception& perception);
     void track_odometry(const Offset& before);
     void sense(const perception::Perception& perception);
-    /// deg/s the heading turns left: the gyroscope's rates taken through the
-    /// tilt.
-    double heading_rate() const;
     /// Shifts the swing foot's landing toward where the torso is tipping.
     void place_swing_foot();
     void pose_joints();
