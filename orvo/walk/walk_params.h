@@ -69,6 +69,13 @@ struct ORVO_API WalkParams {
     /// turning on the spot the feet step no further forward than the hips,
     /// and a torso tipping forward has no step to catch it but this one.
     double place_turn_pitch = 0;
+    /// A catch step: beyond place_tip degrees of forward (backward) tilt from
+    /// the lean, the swing foot lands a further place_tip_pitch metres per
+    /// degree beyond it ahead (behind). A torso knocked forward by a stubbed
+    /// foot does not right itself stepping in place, and the small gain
+    /// that would act on every step trips the walk's ordinary rocking.
+    double place_tip = 0;
+    double place_tip_pitch = 0;
     double place_roll = 0;
     double place_rate = 0;
     double place_max = 0;

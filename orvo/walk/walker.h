@@ -23,6 +23,10 @@ struct Odometry {
     double heading = 0;
 };
 
+/// deg/s the heading turns left, from the gyroscope's `rates` (deg/s about
+/// forward, left and up) of a torso tilted by `tilt` (deg).
+ORVO_API double heading_rate(const Eigen::Vector3d& rates, const Attitude& tilt);
+
 /// An omnidirectional walk driven by a target velocity. Each cycle it reads
 /// the perception (joint angles, gyroscope, accelerometer, foot forces),
 /// moves the gait on, turns the soles' targets into joint angles through the

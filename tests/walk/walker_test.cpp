@@ -1,12 +1,15 @@
 // The walker without a server: it takes its first step only from a steady
-// torso and sees through a shaken accelerometer, fed made-up perceptions.
+// torso and sees through a shaken accelerometer, fed made-up perceptions; its
+// heading follows a rocking torso's true turn.
 #include <orvo/body/body_model.h>
 #include <orvo/walk/walker.h>
 
+#include <Eigen/Geometry>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -41,6 +44,22 @@ TEST(Walker, FirstStepWaitsForASteadyTorso) {
         EXPECT_EQ(!walker.standing(), c.walks);
         // Waiting, it gathers no speed for a sudden first step.
         EXPECT_EQ(walker.velocity().forward == 0, !c.walks);
+    }
+}
+
+TEST(Walker, HeadingRateIsTheTurnOfARockingTorso) {
+    using Eigen::AngleAxisd;
+    using Eigen::Vector3d;
+    constexpr double rad = 3.14159265358979 / 180;
+    // Turning left at 30 deg/s while pitching at 40 and rolling at 50, seen in
+    // the torso's own axes: the heading, then the pitch, then the roll.
+    for (const auto& [pitch, roll] : {std::pair{10.0, 20.0}, {-8.0, -15.0}}) {
+        const AngleAxisd tipped(pitch * rad, Vector3d::UnitY()),
+            rolled(roll * rad, Vector3d::UnitX());
+        const Vector3d rates = (tipped * rolled).inverse() * Vector3d(0, 0, 30) +
+                               rolled.inverse() * Vector3d(0, 40, 0) + Vector3d(50, 0, 0);
+        EXPECT_NEAR(orvo::walk::heading_rate(rates, {pitch, roll}), 30, 1e-9)
+            << pitch << " " << roll;
     }
 }
 

@@ -36,6 +36,8 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(tilt_filter);
     ORVO_WALK_PARAM(place_pitch);
     ORVO_WALK_PARAM(place_turn_pitch);
+    ORVO_WALK_PARAM(place_tip);
+    ORVO_WALK_PARAM(place_tip_pitch);
     ORVO_WALK_PARAM(place_roll);
     ORVO_WALK_PARAM(place_rate);
     ORVO_WALK_PARAM(place_max);

@@ -27,6 +27,16 @@ Eigen::Vector3d walk_axes(const math::Vector3d& body) {
 
 } // namespace
 
+double heading_rate(const Eigen::Vector3d& rates, const Attitude& tilt) {
+    // The torso rocks in pitch and roll with every step; its rate about its
+    // own up axis, summed, drifts from the heading (the rocking's rates and
+    // angles multiply to a steady turn: type 2 walking to a spot 5 m ahead
+    // ended 0.2 to 0.4 m aside, its heading 3 to 7 degrees off).
+    const double roll = tilt.roll * radians_per_degree;
+    const double pitch = tilt.pitch * radians_per_degree;
+    return (rates.y() * std::sin(roll) + rates.z() * std::cos(roll)) / std::cos(pitch);
+}
+
 Walker::Walker(const body::BodyModel& model, const WalkParams& params)
     : model_(model), params_(params), gait_(params, model.hip_width()),
       controller_(skills::JointController::Gains{params.joint_p, params.joint_d}),
@@ -186,8 +196,9 @@ void Walker::sense(const perception::Perception& perception) {
     }
     if (perception.has_gyroscope) {
         gyro_ = walk_axes(perception.gyroscope);
-        heading_ += gyro_.z() * robot::cycle_seconds;
-        drift_ = walking_ ? drift_ + (gyro_.z() - velocity_.turn) * robot::cycle_seconds : 0;
+        const double turning = has_tilt_ ? heading_rate(gyro_, tilt_) : gyro_.z();
+        heading_ += turning * robot::cycle_seconds;
+        drift_ = walking_ ? drift_ + (turning - velocity_.turn) * robot::cycle_seconds : 0;
     }
     if (perception.has_accelerometer) {
         // The accelerometer, shaken by every step far more than the torso
@@ -221,7 +232,9 @@ void Walker::place_swing_foot() {
     const double most = params_.place_max;
     const double turning = params_.turn_share(velocity_.turn);
     const double pitch_gain = params_.place_pitch + params_.place_turn_pitch * turning;
-    gait_.place(std::clamp(pitch_gain * forward, -most, most),
+    const double beyond = std::max(0.0, std::fabs(forward) - params_.place_tip);
+    const double catching = std::copysign(params_.place_tip_pitch * beyond, forward);
+    gait_.place(std::clamp(pitch_gain * forward + catching, -most, most),
                 std::clamp(-params_.place_roll * right, -most, most));
 }
 
