@@ -14,6 +14,7 @@
 #include <orvo/skills/skill_joints.h>
 #include <orvo/walk/skill_walk.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace demo {
@@ -130,11 +131,14 @@ Situation PlaySoccer::situation() const {
     // the formation holds.
     out.ball_known =
         (seen || ball_from_mates(out.ball)) && !theirs(world->play_mode(), world->on_right_side());
-    for (const orvo::world::OtherRobot& mate : belief_->others()[1]) {
-        if (mate.known && now - mate.last_seen < mates_recent_s) {
-            out.mates.push_back({mate.x, mate.y});
+    for (const auto& team : belief_->others()) {
+        for (const orvo::world::OtherRobot& other : team) {
+            if (other.known && now - other.last_seen < mates_recent_s) {
+                (other.team_mate ? out.mates : out.others).push_back({other.x, other.y});
+            }
         }
     }
+    out.others.insert(out.others.end(), out.mates.begin(), out.mates.end());
     for (const MateReport& mate : talk_.reports()) {
         if (mate.heard_at >= 0 && now - mate.heard_at < heard_recent_s) {
             out.heard.push_back({mate.number, mate.ball_distance, mate.chasing});
@@ -177,7 +181,8 @@ void PlaySoccer::speak() {
 // Dribbling walks on through the ball toward the goal, stepping sideways to
 // keep the ball in front; near a spot with a way to face it steps there and
 // turns; any other spot is handed to the walk in its own odometry frame.
-void PlaySoccer::walk(const Decision& decision) {
+// With a robot in the way, it walks slowly and straight toward the spot.
+void PlaySoccer::walk(const Decision& decision, const Situation& now) {
     orvo::walk::Walker& walk = walker->walker();
     const orvo::world::Pose& pose = belief_->pose();
     const double h = pose.heading_deg / degrees;
@@ -185,18 +190,30 @@ void PlaySoccer::walk(const Decision& decision) {
     const auto left_of = [&](double dx, double dy) { return -std::sin(h) * dx + std::cos(h) * dy; };
     const double dx = decision.target.x - pose.x, dy = decision.target.y - pose.y;
     const double ahead = ahead_of(dx, dy), left = left_of(dx, dy);
+    const orvo::world::BallBelief& ball = belief_->ball();
+    const double limit =
+        speed_limit(now, decision.dribble ? Spot{ball.x, ball.y} : decision.target, params_);
     if (decision.dribble) {
-        const orvo::world::BallBelief& ball = belief_->ball();
         const double goal = std::atan2(-pose.y, 15 - pose.x) * degrees;
-        walk.set_velocity(walk.params().max_forward,
+        walk.set_velocity(limit > 0 ? std::min(limit, walk.params().max_forward)
+                                    : walk.params().max_forward,
                           params_.dribble_side_gain * left_of(ball.x - pose.x, ball.y - pose.y),
                           std::remainder(goal - pose.heading_deg, 360.0));
         return;
     }
-    if (decision.face && std::hypot(dx, dy) < params_.position_near) {
-        walk.set_velocity(params_.position_gain * ahead, params_.position_gain * left,
+    const double way = std::hypot(dx, dy);
+    if (decision.face && way < params_.position_near) {
+        const double gain =
+            limit > 0 && params_.position_gain * way > limit ? limit / way : params_.position_gain;
+        walk.set_velocity(gain * ahead, gain * left,
                           params_.face_gain *
                               std::remainder(decision.face_deg - pose.heading_deg, 360.0));
+        return;
+    }
+    if (limit > 0 && way > 0) {
+        const double speed = std::min(limit, params_.position_gain * way);
+        walk.set_velocity(speed * ahead / way, speed * left / way,
+                          params_.face_gain * std::atan2(left, ahead) * degrees);
         return;
     }
     const orvo::walk::Odometry& at = walk.odometry();
@@ -222,7 +239,8 @@ void PlaySoccer::operator()() {
     counts_.heard +=
         talk_.listen(now, configuration->settings.team, world->number(), world->seconds());
     orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
-    decision_ = decide(situation(), params_);
+    const Situation seen = situation();
+    decision_ = decide(seen, params_);
     // A robot on the ground gets up first: the get-up has every joint then,
     // and the walk starts again from its stand.
     down_ = (*getup)(now);
@@ -233,7 +251,7 @@ void PlaySoccer::operator()() {
         walker->walker().stop();
         return;
     }
-    walk(decision_);
+    walk(decision_, seen);
     (*walker)(now);
     (*head)(*belief_, now.time);
     (*joints)(world->joint_angles(), now.time);

@@ -71,7 +71,7 @@ public:
 private:
     void start();
     Situation situation() const;
-    void walk(const Decision& decision);
+    void walk(const Decision& decision, const Situation& now);
     /// The ball as the freshest mate who saw it lately said, when this robot
     /// has not seen it itself; its age then.
     std::optional<double> ball_from_mates(Spot& ball) const;

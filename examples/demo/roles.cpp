@@ -91,6 +91,20 @@ Decision out_of_own_box(Decision decision, const PlayParams& params) {
 
 } // namespace
 
+double speed_limit(const Situation& now, Spot toward, const PlayParams& params) {
+    const double dx = toward.x - now.self.x, dy = toward.y - now.self.y;
+    const double way = std::hypot(dx, dy);
+    const double cone = std::cos(params.crowd_deg / degrees);
+    for (const Spot& other : now.others) {
+        const double ox = other.x - now.self.x, oy = other.y - now.self.y;
+        const double near = std::hypot(ox, oy);
+        if (near < params.crowd_m && ox * dx + oy * dy >= cone * near * way) {
+            return params.crowd_speed;
+        }
+    }
+    return 0;
+}
+
 PlayParams PlayParams::for_type(int type) {
     const auto set = orvo::params::ParamSet::load(orvo::params::params_path("play", type));
     PlayParams out;
@@ -111,6 +125,9 @@ PlayParams PlayParams::for_type(int type) {
     out.position_gain = set["position_gain"];
     out.face_gain = set["face_gain"];
     out.area_margin = set["area_margin"];
+    out.crowd_m = set["crowd_m"];
+    out.crowd_deg = set["crowd_deg"];
+    out.crowd_speed = set["crowd_speed"];
     return out;
 }
 

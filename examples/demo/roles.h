@@ -41,6 +41,8 @@ struct Situation {
     std::vector<HeardMate> heard{};
     /// Whether it went for the ball last cycle.
     bool chasing = false;
+    /// Every other robot seen lately, of either team.
+    std::vector<Spot> others{};
 };
 
 enum class Role { keeper, chaser, support };
@@ -79,6 +81,9 @@ struct PlayParams {
     double position_gain = 0;     ///< m/s per metre off the spot
     double face_gain = 0;         ///< deg/s per degree off the way to face
     double area_margin = 0;       ///< field players keep this far out of the own penalty box
+    double crowd_m = 0;           ///< a robot this near in the way slows the player down
+    double crowd_deg = 0;         ///< "in the way": within this of the way it walks
+    double crowd_speed = 0;       ///< m/s, the speed it walks at then
 };
 
 /// Picks the role and the spot: the keeper (number 1) holds its line between
@@ -90,6 +95,12 @@ struct PlayParams {
 /// enters the own penalty box: the referee calls a fourth defender in it a
 /// foul, and a ball there is the keeper's.
 Decision decide(const Situation& now, const PlayParams& params);
+
+/// The fastest a player may walk toward `toward` (m/s): crowd_speed while
+/// another robot stands in its way within crowd_m, 0 (no limit) otherwise.
+/// The referee calls a robot that runs into another faster than 0.4 m/s
+/// for charging.
+double speed_limit(const Situation& now, Spot toward, const PlayParams& params);
 
 } // namespace demo
 

@@ -26,6 +26,9 @@ demo::PlayParams params() {
     p.dribble_keep_m = 0.6;
     p.dribble_keep_deg = 40;
     p.area_margin = 0.5;
+    p.crowd_m = 0.8;
+    p.crowd_deg = 60;
+    p.crowd_speed = 0.25;
     return p;
 }
 
@@ -205,6 +208,24 @@ TEST(Roles, TeamMatesSpeakInTurnsAndAreUnderstood) {
     }
     for (int number = 1; number <= 11; ++number) {
         EXPECT_EQ(spoke[number], 1) << number;
+    }
+}
+
+TEST(SpeedLimit, SlowsOnlyForARobotNearAndInTheWay) {
+    // Walking from the origin toward (3, 0).
+    const struct {
+        const char* what;
+        demo::Spot other;
+        double limit;
+    } cases[] = {{"near, straight ahead", {0.5, 0}, 0.25},
+                 {"near, 45 degrees off the way", {0.4, 0.4}, 0.25},
+                 {"near, beside", {0, 0.5}, 0},
+                 {"near, behind", {-0.5, 0}, 0},
+                 {"ahead but far", {2, 0}, 0}};
+    for (const auto& c : cases) {
+        Situation now;
+        now.others = {c.other};
+        EXPECT_DOUBLE_EQ(demo::speed_limit(now, {3, 0}, params()), c.limit) << c.what;
     }
 }
 
