@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 using orvo::fall::Posture;
@@ -116,8 +118,8 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
 }
 
 TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
-    // Type 0's file but for the back and front motions: held after keyframe 2,
-    // the knees folding at 3.
+    // Type 0's file but for the back and front motions: held after keyframe 2, the knees folding
+    // at 3.
     std::string file;
     for (const std::string m : {"back.", "front."}) {
         file += entry(m + "1.time", 0.3) + "," + entry(m + "1.knee_pitch", 0) + "," +
@@ -126,41 +128,37 @@ TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
     }
     const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
     for (const auto& [name, param] : type0.entries()) {
-        const bool motion = name.rfind("back.", 0) == 0 || name.rfind("front.", 0) == 0;
-        file += motion ? "" : entry(name, param.value) + ",";
+        file += name.rfind("back.", 0) == 0 || name.rfind("front.", 0) == 0
+                    ? ""
+                    : entry(name, param.value) + ",";
     }
     const double held = 0.3 + 0.3 + 0.4; // the lying pose, keyframes 1 and 2, lying still
     const std::size_t knee = orvo::robot::index(Joint::left_knee_pitch);
-    // The torso felt at `before` until turn_at, at `after` then (the
-    // accelerometer alone turns the felt up axis slowly): the fold starts
-    // within [from, to]. "lean" waits for it to come forward from the back,
-    // "risen" for it to turn back up from the front.
-    using orvo::math::Vector3d;
-    const Vector3d back(0, 9.81, 0), forward(0, -4.9, 8.5), front(0, -9.81, 0);
+    // Lying on the back ("lean" waits to come forward) or front ("risen" to turn
+    // up) until lean_at, 30 deg forward after (the accelerometer alone turns
+    // the felt up axis slowly): the fold starts within [after, before].
     const struct {
-        const char* hold;
-        double wait, turn_at;
-        Vector3d before, after;
-        double from, to;
-    } cases[] = {{"back.2.lean", 0.5, 9, back, forward, held + 0.45, held + 0.65},
-                 {"back.2.lean", 3, held - 0.5, back, forward, held, held + 2.5},
-                 {"front.2.risen", 3, held - 0.5, front, forward, held, held + 2.5},
-                 {"front.2.risen", 0.5, 9, front, forward, held + 0.45, held + 0.65}};
-    for (const auto& c : cases) {
-        const std::string wait = std::string(c.hold).substr(0, c.hold[0] == 'b' ? 7 : 8) + "wait";
-        orvo::getup::GetUp getup(0, set_of(file + entry(c.hold, c.hold[0] == 'b' ? -20 : -50) +
-                                           "," + entry(wait, c.wait)));
-        getup.start(c.hold[0] == 'b' ? Posture::fallen_back : Posture::fallen_front);
+        double wait, lean_at, after, before;
+    } cases[] = {{0.5, 9, held + 0.45, held + 0.65}, {3, held - 0.5, held, held + 2.5}};
+    for (const auto& [back, c] :
+         {std::pair{true, cases[0]}, {true, cases[1]}, {false, cases[0]}, {false, cases[1]}}) {
+        const std::string hold = back ? "back.2." : "front.2.";
+        orvo::getup::GetUp getup(
+            0, set_of(file + entry(hold + (back ? "lean" : "risen"), back ? -20 : -50) + "," +
+                      entry(hold + "wait", c.wait)));
+        getup.start(back ? Posture::fallen_back : Posture::fallen_front);
         orvo::perception::Perception felt;
         felt.has_time = felt.has_accelerometer = true;
         double time = 0;
         for (; time < 5 && !(time > held - 0.3 && getup.targets()[knee] < -5); time += 0.02) {
+            const bool lying = time < c.lean_at;
             felt.time = time;
-            felt.accelerometer = time < c.turn_at ? c.before : c.after;
+            felt.accelerometer =
+                orvo::math::Vector3d(0, lying ? (back ? 9.81 : -9.81) : -4.9, lying ? 0 : 8.5);
             getup.update(felt);
         }
-        EXPECT_GE(time, c.from) << c.hold << ' ' << c.wait;
-        EXPECT_LE(time, c.to) << c.hold << ' ' << c.wait;
+        EXPECT_GE(time, c.after) << back << ' ' << c.wait;
+        EXPECT_LE(time, c.before) << back << ' ' << c.wait;
     }
 }
 
