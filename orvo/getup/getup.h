@@ -24,12 +24,12 @@ namespace orvo::getup {
 /// still again and looks once more, so a roll that went wrong is tried again.
 /// A motion may wait on the body rather than the clock: a keyframe N with
 /// "NAME.N.lean" is held until the torso leans back no more than that many
-/// degrees (negative: leaning forward), at most "NAME.N.wait" seconds, so that
-/// a body that moves late moves on late too. A stand-up that ends short of
-/// standing (crouched, sitting, half up) lies down and starts over after
-/// "retry_after" seconds: held there, the robot would never stand.
-/// Every number is the type's parameter file's ("getup/type<T>.json"): the
-/// keyframes and the joint controller's gains ("joint_p", "joint_d").
+/// degrees (negative: leaning forward), with "NAME.N.risen" until it leans
+/// back at least that many (-160 head down, -90 lying on the front), at most
+/// "NAME.N.wait" seconds, so that a body that moves late moves on late too. A stand-up that ends
+/// short of standing (crouched, sitting, half up) lies down and starts over after "retry_after"
+/// seconds: held there, the robot would never stand. Every number is the type's parameter file's
+/// ("getup/type<T>.json"): the keyframes and the joint controller's gains ("joint_p", "joint_d").
 class ORVO_API GetUp {
 public:
     GetUp(int type, const params::ParamSet& params);

@@ -16,7 +16,7 @@ namespace orvo::getup {
 /// ("hip_roll") sets both, the right one mirrored (roll and yaw angles but
 /// the hip yaw-pitch change sign, so the two sides move as mirror images). With `mirrored`
 /// the whole motion is played mirrored: what it does with the left side it
-/// does with the right. "NAME.N.lean" and "NAME.N.wait" say
+/// does with the right. "NAME.N.lean", "NAME.N.risen" and "NAME.N.wait" say
 /// when to go on from a keyframe (GetUp reads them), not where to go. Throws ParamError when there
 /// is no keyframe or a name is no joint's.
 ORVO_API skills::Motion motion_from(const params::ParamSet& set, const std::string& name,

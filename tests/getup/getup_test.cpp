@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 using orvo::fall::Posture;
@@ -116,36 +118,47 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
 }
 
 TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
-    // Type 0's file but for the back motion: held after keyframe 2, the knees folding at 3.
-    std::string file = entry("back.1.time", 0.3) + "," + entry("back.1.knee_pitch", 0) + "," +
-                       entry("back.2.time", 0.4) + "," + entry("back.2.hip_pitch", 90) + "," +
-                       entry("back.2.lean", -20) + "," + entry("back.3.time", 0.25) + "," +
-                       entry("back.3.knee_pitch", -130);
+    // Type 0's file but for the back and front motions: held after keyframe 2, the knees folding
+    // at 3.
+    std::string file;
+    for (const std::string m : {"back.", "front."}) {
+        file += entry(m + "1.time", 0.3) + "," + entry(m + "1.knee_pitch", 0) + "," +
+                entry(m + "2.time", 0.4) + "," + entry(m + "2.hip_pitch", 90) + "," +
+                entry(m + "3.time", 0.25) + "," + entry(m + "3.knee_pitch", -130) + ",";
+    }
     const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
     for (const auto& [name, param] : type0.entries()) {
-        file += name.rfind("back.", 0) == 0 ? "" : "," + entry(name, param.value);
+        file += name.rfind("back.", 0) == 0 || name.rfind("front.", 0) == 0
+                    ? ""
+                    : entry(name, param.value) + ",";
     }
-    const double held = 0.3 + 0.3 + 0.4; // the lying pose, back.1 and back.2, lying still
+    const double held = 0.3 + 0.3 + 0.4; // the lying pose, keyframes 1 and 2, lying still
     const std::size_t knee = orvo::robot::index(Joint::left_knee_pitch);
-    // Lying on the back until lean_at, 30 deg forward after (the accelerometer
-    // alone turns the felt up axis slowly): the fold starts within [after, before].
+    // Lying on the back ("lean" waits to come forward) or front ("risen" to turn
+    // up) until lean_at, 30 deg forward after (the accelerometer alone turns
+    // the felt up axis slowly): the fold starts within [after, before].
     const struct {
         double wait, lean_at, after, before;
     } cases[] = {{0.5, 9, held + 0.45, held + 0.65}, {3, held - 0.5, held, held + 2.5}};
-    for (const auto& c : cases) {
-        orvo::getup::GetUp getup(0, set_of(file + "," + entry("back.2.wait", c.wait)));
-        getup.start(Posture::fallen_back);
+    for (const auto& [back, c] :
+         {std::pair{true, cases[0]}, {true, cases[1]}, {false, cases[0]}, {false, cases[1]}}) {
+        const std::string hold = back ? "back.2." : "front.2.";
+        orvo::getup::GetUp getup(
+            0, set_of(file + entry(hold + (back ? "lean" : "risen"), back ? -20 : -50) + "," +
+                      entry(hold + "wait", c.wait)));
+        getup.start(back ? Posture::fallen_back : Posture::fallen_front);
         orvo::perception::Perception felt;
         felt.has_time = felt.has_accelerometer = true;
         double time = 0;
         for (; time < 5 && !(time > held - 0.3 && getup.targets()[knee] < -5); time += 0.02) {
             const bool lying = time < c.lean_at;
             felt.time = time;
-            felt.accelerometer = orvo::math::Vector3d(0, lying ? 9.81 : -4.9, lying ? 0 : 8.5);
+            felt.accelerometer =
+                orvo::math::Vector3d(0, lying ? (back ? 9.81 : -9.81) : -4.9, lying ? 0 : 8.5);
             getup.update(felt);
         }
-        EXPECT_GE(time, c.after) << c.wait;
-        EXPECT_LE(time, c.before) << c.wait;
+        EXPECT_GE(time, c.after) << back << ' ' << c.wait;
+        EXPECT_LE(time, c.before) << back << ' ' << c.wait;
     }
 }
 

@@ -53,7 +53,8 @@ void GetUp::play(const std::string& name, bool mirrored) {
 
 void GetUp::play_from(int frame) {
     int last = frame;
-    while (set_has(name_, last, "time") && !set_has(name_, last, "lean")) {
+    while (set_has(name_, last, "time") && !set_has(name_, last, "lean") &&
+           !set_has(name_, last, "risen")) {
         ++last;
     }
     next_frame_ = set_has(name_, last + 1, "time") ? last + 1 : 0;
@@ -74,7 +75,11 @@ void GetUp::hold(double now) {
     }
     hold_from_ = hold_from_ < 0 ? now : hold_from_;
     const std::string held = name_ + "." + std::to_string(next_frame_ - 1) + ".";
-    if (lean_back() <= params_[held + "lean"] || now - hold_from_ >= params_[held + "wait"]) {
+    // A hold waits for the torso to come forward ("lean") or to turn back up
+    // from head down ("risen"): the rise from the front starts head down.
+    const bool leaned = params_.has(held + "lean") && lean_back() <= params_[held + "lean"];
+    const bool risen = params_.has(held + "risen") && lean_back() >= params_[held + "risen"];
+    if (leaned || risen || now - hold_from_ >= params_[held + "wait"]) {
         play_from(next_frame_);
     }
 }

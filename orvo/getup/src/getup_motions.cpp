@@ -23,7 +23,7 @@ bool mirror_sign(std::string_view side_free) {
 
 /// The keys of a keyframe that say when to go on rather than where to go.
 bool timing_key(std::string_view key) {
-    return key == "time" || key == "lean" || key == "wait";
+    return key == "time" || key == "lean" || key == "risen" || key == "wait";
 }
 
 /// The joint on the other side: "left_hip_roll" for "right_hip_roll".
