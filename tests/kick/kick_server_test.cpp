@@ -52,10 +52,14 @@ TEST(KickOnRealServer, WalksUpAndKicksTheBallForward) {
     if (!orvo::sim::SimServer::installed()) {
         GTEST_SKIP() << "no simulation server installed";
     }
-    // A robot that stumbles on the way up may never kick: one of two tries
-    // must kick the ball forward, more forward than aside.
+    // A robot that stumbles on the way up may never kick, and about one kick
+    // in eight scuffs the ball aside: one of three tries must kick the ball
+    // forward, more forward than aside.
     Kick kick;
-    for (int i = 0; i < 2 && !(kick.done && kick.ball_x > 0.2); ++i) {
+    const auto forward = [&] {
+        return kick.done && kick.ball_x > 0.2 && std::fabs(kick.ball_y) < kick.ball_x;
+    };
+    for (int i = 0; i < 3 && !forward(); ++i) {
         kick = kick_once();
     }
     EXPECT_TRUE(kick.done);
