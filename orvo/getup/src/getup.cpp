@@ -1,6 +1,7 @@
 #include <orvo/getup/getup.h>
 
 #include <orvo/getup/getup_motions.h>
+#include <orvo/protocol/constants.h>
 
 #include <cmath>
 #include <utility>
@@ -8,8 +9,6 @@
 namespace orvo::getup {
 
 namespace {
-
-constexpr double radians_per_degree = 0.017453292519943295;
 
 skills::JointController::Gains gains_of(const params::ParamSet& set) {
     skills::JointController::Gains gains;
@@ -136,7 +135,7 @@ void GetUp::go_on_from(fall::Posture side) {
 
 double GetUp::lean_back() const {
     const Eigen::Vector3d& up = senses_.up();
-    return std::atan2(up.y(), up.z()) / radians_per_degree;
+    return std::atan2(up.y(), up.z()) / protocol::radians_per_degree;
 }
 
 void GetUp::update(const perception::Perception& perception) {
