@@ -160,8 +160,9 @@ TEST(Roles, EachSituationGetsItsRoleAndSpot) {
         EXPECT_NEAR(d.target.x, c.x, 1e-9) << c.what;
         EXPECT_NEAR(d.target.y, c.y, 1e-9) << c.what;
         EXPECT_EQ(d.dribble, c.dribble) << c.what;
-        // A chaser lines up facing the opponents' goal, here straight ahead.
-        if (c.role == Role::chaser) {
+        // A chaser lines up facing the opponents' goal, here straight ahead;
+        // the keeper faces the field wherever it steps.
+        if (c.role != Role::support) {
             EXPECT_TRUE(d.face) << c.what;
             EXPECT_NEAR(d.face_deg, 0, 1e-9) << c.what;
         }
