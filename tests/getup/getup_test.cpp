@@ -102,8 +102,9 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
             EXPECT_TRUE(plays(getup, time, side.x, side.y, side.motion, 1)) << side.motion;
         }
     }
-    // A roll from the back that ends on the back again rolls once more; a
-    // stand-up from the back is all there is.
+    // A roll starts over from the lying pose (a roll that ended on the back
+    // again rolls once more, played again from where it ended it would not
+    // move); a stand-up from the back is all there is.
     ParamSet set = ParamSet::load(orvo::params::params_path("getup", 0));
     const double later = orvo::getup::motion_from(set, "back").duration() + set["settle_max"] + 0.1;
     for (const double rolls : {1.0, 0.0}) {
@@ -112,7 +113,7 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
         getup.start(Posture::fallen_back);
         double time = 0;
         ASSERT_TRUE(plays(getup, time, 0, g, "getup_back", 1));
-        EXPECT_FALSE(plays(getup, time, 0, g, "getup_front", later)) << rolls;
+        EXPECT_EQ(plays(getup, time, 0, g, "getup_lie", later), rolls > 0) << rolls;
         EXPECT_EQ(plays(getup, time, 0, -g, "getup_front", later), rolls > 0) << rolls;
     }
 }

@@ -147,7 +147,13 @@ void GetUp::update(const perception::Perception& perception) {
         start(fall::Posture::getting_up);
     }
     hold(now);
-    if ((phase_ == Phase::lying_down || phase_ == Phase::rolling) && !moving()) {
+    if (phase_ == Phase::rolling && !moving()) {
+        // A roll leaves the robot rocking in the roll's last pose, and a roll
+        // that did not turn it over leaves it where playing the roll again
+        // moves nothing: every try starts over from the lying pose.
+        start(lying_side(perception));
+    }
+    if (phase_ == Phase::lying_down && !moving()) {
         phase_ = Phase::settling;
         settle_from_ = now;
     }
