@@ -19,7 +19,7 @@
 namespace orvo::drill {
 
 const char* const getup_usage =
-    "  getup --from front|back   [--walk S] [--record FILE] [--trace]\n"
+    "  getup --from front|back|left|right   [--walk S] [--record FILE] [--trace]\n"
     "       stands (walks S s first), falls by its own joints, gets up; --seconds: the\n"
     "       longest a get-up may take; --record: every cycle's perception and truth\n";
 
@@ -131,7 +131,10 @@ void stand_and_walk(Cycle& cycle, walk::Walker& walker, double walk_seconds) {
 /// Lets the robot fall by its own joints until its detector says it lies.
 void drop(Cycle& cycle, const params::ParamSet& set, const std::string& from, int type) {
     skills::MotionPlayer player;
-    player.play(std::make_shared<const skills::Motion>(getup::motion_from(set, "drop_" + from)));
+    // One drop tips the robot onto its left side, and played mirrored onto its right.
+    const bool side = from == "left" || from == "right";
+    player.play(std::make_shared<const skills::Motion>(
+        getup::motion_from(set, side ? "drop_side" : "drop_" + from, from == "right")));
     skills::JointController controller;
     robot::JointValues speeds{};
     for (int i = 0;
@@ -277,8 +280,9 @@ int run_getup(Arguments& arguments) {
         }
         return true;
     });
-    if (getup.from != "front" && getup.from != "back") {
-        throw UsageError("getup needs --from front or --from back");
+    if (getup.from != "front" && getup.from != "back" && getup.from != "left" &&
+        getup.from != "right") {
+        throw UsageError("getup needs --from front, back, left or right");
     }
     require_server(options);
     const params::ParamSet set = params::ParamSet::load(
