@@ -18,8 +18,9 @@
 #                     (default 250: 5 s at 50 cycles per second)
 #   --types LIST      robot types (0 to 4) of the players in start order,
 #                     repeated when shorter than the team (default
-#                     0,0,0,0,0,0,0,2,2,4,4: a mix real servers accept, of the
-#                     types that get up best)
+#                     0,4,0,4,2,0,0,2,0,0,0: a mix real servers accept, of the
+#                     types that get up best, type 4 on the wings of the
+#                     defence, where the ball comes least)
 #   --sync            let the server (real or stand-in) step as soon as every
 #                     agent has answered, instead of in real time; used to
 #                     measure the agents and the server's speed
@@ -55,7 +56,7 @@ root=$(pwd)
 agents=11
 teams=
 cycles=
-types=0,0,0,0,0,0,0,2,2,4,4
+types=0,4,0,4,2,0,0,2,0,0,0
 sync=()
 slowdown=1
 external=

@@ -7,12 +7,12 @@
 
 namespace demo {
 
-/// The team's formation in its own frame (own goal at x = -15): a goalkeeper,
-/// three defenders, four midfielders and three forwards, no two spots closer
-/// than 4 m.
+/// The team's formation in its own frame (own goal at x = -15): a goalkeeper
+/// on its line (the play files' keeper_x), three defenders, four midfielders
+/// and three forwards, no two spots closer than 4 m.
 inline const orvo::math::Vector2d& formation_spot(int number) {
     static const orvo::math::Vector2d spots[] = {
-        {-13.5f, 0}, {-9.5f, -6},   {-9.5f, 0},  {-9.5f, 6}, {-5.5f, -8.5f}, {-5.5f, -3},
+        {-14.3f, 0}, {-9.5f, -6},   {-9.5f, 0},  {-9.5f, 6}, {-5.5f, -8.5f}, {-5.5f, -3},
         {-5.5f, 3},  {-5.5f, 8.5f}, {-1.5f, -6}, {-1.5f, 0}, {-1.5f, 6}};
     constexpr int count = sizeof spots / sizeof spots[0];
     return spots[((number - 1) % count + count) % count];

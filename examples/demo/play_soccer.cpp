@@ -179,9 +179,8 @@ void PlaySoccer::speak() {
 }
 
 // Dribbling walks on through the ball toward the goal, stepping sideways to
-// keep the ball in front; near a spot with a way to face it (the keeper at any
-// distance) steps there and turns; any other spot is handed to the walk in its
-// own odometry frame.
+// keep the ball in front; near a spot with a way to face it steps there and
+// turns; any other spot is handed to the walk in its own odometry frame.
 // With a robot in the way, it walks slowly and straight toward the spot.
 void PlaySoccer::walk(const Decision& decision, const Situation& now) {
     orvo::walk::Walker& walk = walker->walker();
@@ -203,7 +202,7 @@ void PlaySoccer::walk(const Decision& decision, const Situation& now) {
         return;
     }
     const double way = std::hypot(dx, dy);
-    if (decision.face && (way < params_.position_near || decision.role == Role::keeper)) {
+    if (decision.face && way < params_.position_near) {
         const double gain =
             limit > 0 && params_.position_gain * way > limit ? limit / way : params_.position_gain;
         walk.set_velocity(gain * ahead, gain * left,

@@ -143,9 +143,8 @@ Decision decide(const Situation& now, const PlayParams& params) {
         const double y =
             now.ball_known ? std::clamp(now.ball.y * 0.5, -params.keeper_reach, params.keeper_reach)
                            : 0.0;
-        // Facing the field, the keeper steps along and back to its line
-        // rather than turning its back to the ball to walk there: turning
-        // half round while stepping off is how a keeper fell at kick-offs.
+        // On its line the keeper steps along it facing the field rather
+        // than turning its back to the ball.
         return {Role::keeper, {params.keeper_x, y}, false, true, 0.0};
     }
     if (!now.ball_known) {

@@ -135,7 +135,9 @@ void TeamAgent::act() {
         }
     } else if (!world->has_beamed()) {
         (*take_position)();
-    } else if (configuration->settings.play && kicked_off) {
+    } else if (configuration->settings.play) {
+        // A playing team stands on its formation at the kick-off: spread out,
+        // the keeper stood 1.4 m off its line and stepped off at the kick-off.
         play_soccer->between_goals();
     } else {
         (*spread_out)();

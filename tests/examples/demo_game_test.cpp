@@ -226,7 +226,7 @@ TEST(DemoTeam, ElevenRobotsOfMixedTypesJoinSpreadOverTheirHalfAndMissNoPerceptio
     ASSERT_EQ(lines(faults(run)), "") << run.output;
 
     const auto by_connection = messages_by_connection(run.dir);
-    const char types[] = "00000002244";
+    const char types[] = "04042002000";
     for (int n = 1; n <= team_size; ++n) {
         const Report& agent = run.agents[n - 1];
         SCOPED_TRACE(agent.agent);
