@@ -25,10 +25,12 @@ public:
     std::string get_name() const override { return "behavior_take_position"; }
     void operator()() override;
 
-    /// Metres, at most, in x and in y: within a metre of the spot, so on its leash.
-    static constexpr float jitter = 0.7f;
+    /// Metres, at most, in x and in y (0: on the spot).
+    void set_jitter(float metres) { jitter = metres; }
 
 private:
+    /// Within a metre of the spot, so on its leash.
+    float jitter = 0.7f;
     orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
     orvo::math::Random_Number_Generator* random = nullptr;
     WorldModel* world = nullptr;

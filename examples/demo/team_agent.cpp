@@ -2,6 +2,7 @@
 
 #include "play_soccer.h"
 #include "posture.h"
+#include "take_position.h"
 #include "team_configuration.h"
 #include "world_model.h"
 
@@ -36,8 +37,7 @@ void TeamAgent::link(orvo::Class_Map& classes) {
     configuration = orvo::get_class<TeamConfiguration>(*this, "configuration", classes);
     world = orvo::get_class<WorldModel>(*this, "worldmodel", classes);
     action_log = orvo::get_class<orvo::knowledgebase::ActionLog>(*this, "actionlog", classes);
-    take_position =
-        orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_take_position", classes);
+    take_position = orvo::get_class<TakePosition>(*this, "behavior_take_position", classes);
     spread_out = orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_spread_out", classes);
     hold_position =
         orvo::get_class<orvo::behaviors::Behavior>(*this, "behavior_hold_position", classes);
@@ -47,6 +47,12 @@ void TeamAgent::link(orvo::Class_Map& classes) {
 
 void TeamAgent::run() {
     const Settings& settings = configuration->settings;
+    if (settings.play) {
+        // A playing team stands on its formation at the kick-off: spread out
+        // or off its spot at random, the keeper stood up to 1.4 m off its
+        // line and stepped off at the kick-off.
+        take_position->set_jitter(0);
+    }
     if (!communit->is_connected()) {
         throw orvo::Exception(where("run", __LINE__),
                               "cannot connect to the server at " + settings.host + ":" +
@@ -135,9 +141,18 @@ void TeamAgent::act() {
         }
     } else if (!world->has_beamed()) {
         (*take_position)();
+        placed_at = world->seconds();
+    } else if (configuration->settings.play && !kicked_off) {
+        // A robot beamed as it came onto the field sometimes falls landing
+        // (its joints not yet in their posture); one second later it stands
+        // in it, and a second beam puts it on its feet whatever happened.
+        if (placed_at >= 0 && world->seconds() - placed_at >= replace_after_s) {
+            (*take_position)();
+            placed_at = -1;
+        } else {
+            (*hold_position)();
+        }
     } else if (configuration->settings.play) {
-        // A playing team stands on its formation at the kick-off: spread out,
-        // the keeper stood 1.4 m off its line and stepped off at the kick-off.
         play_soccer->between_goals();
     } else {
         (*spread_out)();

@@ -28,6 +28,7 @@ class CommUnit;
 
 namespace demo {
 
+class TakePosition;
 class PlaySoccer;
 class Posture;
 class TeamConfiguration;
@@ -56,7 +57,7 @@ private:
     TeamConfiguration* configuration = nullptr;
     WorldModel* world = nullptr;
     orvo::knowledgebase::ActionLog* action_log = nullptr;
-    orvo::behaviors::Behavior* take_position = nullptr;
+    TakePosition* take_position = nullptr;
     orvo::behaviors::Behavior* spread_out = nullptr;
     orvo::behaviors::Behavior* hold_position = nullptr;
     PlaySoccer* play_soccer = nullptr;
@@ -68,6 +69,10 @@ private:
     ServerClock clock;
     SyncGate gate;
     bool kicked_off = false;
+    /// When the robot was first beamed (s; -1 once beamed again, before a
+    /// playing team's kick-off).
+    double placed_at = -1;
+    static constexpr double replace_after_s = 1.0;
     unsigned before_kick_off = 0; ///< server cycles from the first perception to the kick-off
     bool joined = false;          ///< "init" sent
     unsigned unreadable = 0;
