@@ -68,6 +68,7 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
     auto set = load("kick", 0);
     set.set("swing_pitch", 20);
     set.set("back_x", 0.04);
+    set.set("swing_twist", 0); // turns the toes too: checked below
     const auto kick = orvo::kick::KickParams::from(set);
     // A ball lying further than planned brings the drawn-back foot closer
     // to it; the swing ends where it would and is as much shorter in time.
@@ -96,6 +97,24 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
         EXPECT_NEAR(stand.left_toes.z(), 0, 0.1);
         EXPECT_LT((through.right - back.right).norm(), 1e-6);
     }
+    // The kicking hip twists through the swing and holds it while the leg
+    // draws back (unwound at once, it spun the robot over); set down, it is
+    // untwisted.
+    set.set("swing_twist", -20);
+    const auto twisted = orvo::kick::KickParams::from(set);
+    const KickMotion motion(twisted, walk, model.hip_width(), Side::left);
+    using orvo::robot::Joint;
+    const auto twist_at = [&](double t) {
+        orvo::robot::JointValues angles{};
+        orvo::kick::pose_legs(model, motion.at(t), Side::left, angles);
+        return angles[orvo::robot::index(Joint::left_hip_yaw_pitch)] -
+               angles[orvo::robot::index(Joint::right_hip_yaw_pitch)];
+    };
+    const double retracted = motion.swing_ends() + twisted.retract_time;
+    EXPECT_NEAR(twist_at(motion.swing_begins()), 0, 1e-9);
+    EXPECT_NEAR(twist_at(motion.swing_ends()), twisted.swing_twist, 1e-9);
+    EXPECT_NEAR(twist_at(retracted), twisted.swing_twist, 1e-9);
+    EXPECT_NEAR(twist_at(retracted + twisted.lower_time), 0, 1e-9);
 }
 
 } // namespace
