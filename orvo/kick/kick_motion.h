@@ -18,6 +18,7 @@ struct KickPose {
     walk::SoleTarget right;
     walk::Attitude attitude;
     double toe_down = 0; ///< the kicking foot's ankle pitched toes down, degrees
+    double twist = 0;    ///< the kicking hip's yaw-pitch joint turned, degrees
     double arm_out = 0;  ///< the kicking side's shoulder rolled outward, degrees
     /// The arms swing against the legs, as in a step: the kicking side's
     /// back, the other forward, which takes up the turn the swinging leg
@@ -69,7 +70,8 @@ private:
         double shift = 0;
         double toe_down = 0;
         double lunge = 0;
-        double arms = 0; ///< share of the arms' swing
+        double arms = 0;  ///< share of the arms' swing
+        double twist = 0; ///< share of the hip's twist
     };
     KickPose pose(const Key& key) const;
 

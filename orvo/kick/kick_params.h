@@ -61,6 +61,11 @@ struct ORVO_API KickParams {
     /// the body above it turns back about that knee, which stands higher than
     /// the ball, and so carries the kicking foot forward as the lean does.
     double swing_knee = 0;
+    /// The kicking hip's yaw-pitch joint turns through the swing, degrees
+    /// (negative: its only way). Its axis lies between the vertical and the
+    /// sideways, so turning it swings the hanging leg forward too: a fourth
+    /// joint at its speed limit adding to the foot's speed.
+    double swing_twist = 0;
     double retract_time = 0;
     double lower_time = 0;
     double unshift_time = 0;

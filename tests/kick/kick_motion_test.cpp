@@ -68,6 +68,7 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
     auto set = load("kick", 0);
     set.set("swing_pitch", 20);
     set.set("back_x", 0.04);
+    set.set("swing_twist", 0); // turns the toes too: checked below
     const auto kick = orvo::kick::KickParams::from(set);
     // A ball lying further than planned brings the drawn-back foot closer
     // to it; the swing ends where it would and is as much shorter in time.
@@ -95,6 +96,18 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
         EXPECT_LT(through.left_toes.z(), -0.2);
         EXPECT_NEAR(stand.left_toes.z(), 0, 0.1);
         EXPECT_LT((through.right - back.right).norm(), 1e-6);
+    }
+    // The kicking hip twists through the swing and holds it while the leg
+    // draws back (unwound at once, it spun the robot over); set down, untwisted.
+    set.set("swing_twist", -20);
+    const KickMotion motion(orvo::kick::KickParams::from(set), walk, model.hip_width(), Side::left);
+    const double retracted = motion.swing_ends() + kick.retract_time;
+    for (double t : {motion.swing_ends(), retracted, retracted + kick.lower_time}) {
+        orvo::robot::JointValues angles{};
+        orvo::kick::pose_legs(model, motion.at(t), Side::left, angles);
+        EXPECT_NEAR(angles[orvo::robot::index(orvo::robot::Joint::left_hip_yaw_pitch)],
+                    t < retracted + kick.lower_time ? -20 : 0, 1e-9)
+            << t;
     }
 }
 

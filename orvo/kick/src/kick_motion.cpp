@@ -28,13 +28,16 @@ KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, 
     const double swing_time =
         length > 0 ? p.swing_time * std::max(length - closer, 0.0) / length : p.swing_time;
     keys_ = {{
-        {0, 0, 0, 0, 0, 0, 0},                                         // the walk's stand
-        {0, 0, 0, 1, 0, 0, 0},                                         // over the support foot
-        {closer - p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0}, // drawn back
-        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1}, // swung through
-        {0, p.lift_z, p.out_y, 1, 0, 0, 1},                            // drawn back under the hips
-        {0, 0, 0, 1, 0, 0, 0},                                         // set down
-        {0, 0, 0, 0, 0, 0, 0},                                         // back in the stand
+        {0, 0, 0, 0, 0, 0, 0, 0},                                         // the walk's stand
+        {0, 0, 0, 1, 0, 0, 0, 0},                                         // over the support foot
+        {closer - p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0, 0}, // drawn back
+        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1, 1}, // swung through
+        // The twist stays while the leg draws back and unwinds as it sets
+        // down: turned back at once, the leg spun the robot on its support
+        // foot and it toppled.
+        {0, p.lift_z, p.out_y, 1, 0, 0, 1, 1}, // drawn back under the hips
+        {0, 0, 0, 1, 0, 0, 0, 0},              // set down
+        {0, 0, 0, 0, 0, 0, 0, 0},              // back in the stand
     }};
     times_ = {p.shift_time, p.lift_time, swing_time, p.retract_time, p.lower_time, p.unshift_time};
 }
@@ -66,7 +69,8 @@ KickPose KickMotion::at(double seconds) const {
     const Key& a = keys_[phase];
     const Key& b = keys_[phase + 1];
     return pose({mix(a.x, b.x, s), mix(a.z, b.z, s), mix(a.out, b.out, s), mix(a.shift, b.shift, s),
-                 mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s), mix(a.arms, b.arms, s)});
+                 mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s), mix(a.arms, b.arms, s),
+                 mix(a.twist, b.twist, s)});
 }
 
 KickPose KickMotion::pose(const Key& key) const {
@@ -86,6 +90,7 @@ KickPose KickMotion::pose(const Key& key) const {
     pose.attitude.pitch = mix(stand_.lean, params_.lean, key.shift);
     pose.attitude.roll = -k * params_.support_roll * key.shift;
     pose.toe_down = key.toe_down;
+    pose.twist = params_.swing_twist * key.twist;
     pose.arm_out = params_.arm_out * key.shift;
     pose.arm_swing = params_.arm_swing * key.arms;
     return pose;
@@ -126,6 +131,7 @@ bool pose_legs(const body::BodyModel& model, const KickPose& pose, walk::Side ki
         reached = walk::leg_angles(model, side, pose.sole(side), pose.attitude, leg) && reached;
         if (side == kicking) {
             leg.ankle_pitch -= pose.toe_down;
+            leg.hip_yaw_pitch += pose.twist;
         }
         body::set_leg_angles(angles, walk::leg_of(side), leg);
     }

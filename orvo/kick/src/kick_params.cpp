@@ -41,6 +41,7 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(lunge);
     ORVO_KICK_PARAM(swing_lean);
     ORVO_KICK_PARAM(swing_knee);
+    ORVO_KICK_PARAM(swing_twist);
     ORVO_KICK_PARAM(retract_time);
     ORVO_KICK_PARAM(lower_time);
     ORVO_KICK_PARAM(unshift_time);
