@@ -156,6 +156,9 @@ struct Rise {
     double up_at = -1; ///< start of the first second upright, -1 if none
     double peak = 0;   ///< highest torso after landing, times the cosine of its tilt
     double upright_seconds = 0;
+    /// The torso's least tilt after landing: how near upright a get-up that never
+    /// rises off the ground came, for searches that start from such motions.
+    double least_tilt = 180;
 };
 
 /// Plays the get-up for at most `seconds`, until the robot has stood for the
@@ -171,6 +174,7 @@ Rise get_up(Cycle& cycle, getup::GetUp& getting_up, double seconds) {
         cycle(joint_command(getting_up.joints(), getting_up.speeds()));
         landed = landed || trial.tilt() >= lying_tilt;
         if (landed) {
+            rise.least_tilt = std::min(rise.least_tilt, trial.tilt());
             rise.peak =
                 std::max(rise.peak, trial.height() * std::cos(trial.tilt() * radians_per_degree));
         }
@@ -238,6 +242,7 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
     result["getup_seconds"] = up_at >= 0 ? up_at - getup_start : options.seconds;
     result["peak_height"] = rise.peak;
     result["upright_seconds"] = rise.upright_seconds;
+    result["least_tilt"] = rise.least_tilt;
     result["motion_seconds"] = getting_up.duration();
     if (fell && watch.detections().size() > detections_before) {
         const double seen = watch.detections()[detections_before];
