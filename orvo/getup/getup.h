@@ -60,7 +60,8 @@ public:
     /// leaning forward), as of the last update.
     double lean_back() const;
 
-    /// Speeds to send (rad/s) for joints(); targets (deg) as of the last update.
+    /// Speeds to send (rad/s) for joints(); the keyframes' targets (deg) as of the last
+    /// update, before the balance bends them.
     const robot::JointValues& speeds() const { return speeds_; }
     const robot::JointValues& targets() const { return player_.targets(); }
     const robot::JointSet& joints() const { return player_.driven(); }
