@@ -59,6 +59,10 @@ public:
     const Eigen::Vector3d& up() const { return up_; }
     /// Starts over as if the robot had just been placed upright.
     void reset();
+    /// Takes up from the direction of the accelerometer's reading alone,
+    /// whatever its size: for a robot known to be still, whose accelerometer
+    /// may still read well off one g, and which update() would then believe only slowly.
+    void level(const perception::Perception& perception);
 
 private:
     void track_up(const perception::Perception& perception, double dt);

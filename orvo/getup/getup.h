@@ -3,6 +3,7 @@
 
 #include <orvo/core/export.h>
 #include <orvo/fall/fall_detector.h>
+#include <orvo/getup/lean_balance.h>
 #include <orvo/params/param_set.h>
 #include <orvo/perception/perception.h>
 #include <orvo/robot/joints.h>
@@ -26,7 +27,8 @@ namespace orvo::getup {
 /// "NAME.N.lean" is held until the torso leans back no more than that many
 /// degrees (negative: leaning forward), with "NAME.N.risen" until it leans
 /// back at least that many (-160 head down, -90 lying on the front), at most
-/// "NAME.N.wait" seconds, so that a body that moves late moves on late too. A stand-up that ends
+/// "NAME.N.wait" seconds, so that a body that moves late moves on late too. The end of a
+/// motion may answer the torso's lean ("NAME.balance.*": LeanBalance). A stand-up that ends
 /// short of standing (crouched, sitting, half up) lies down and starts over after "retry_after"
 /// seconds: held there, the robot would never stand. Every number is the type's parameter file's
 /// ("getup/type<T>.json"): the keyframes and the joint controller's gains ("joint_p", "joint_d").
@@ -58,7 +60,8 @@ public:
     /// leaning forward), as of the last update.
     double lean_back() const;
 
-    /// Speeds to send (rad/s) for joints(); targets (deg) as of the last update.
+    /// Speeds to send (rad/s) for joints(); the keyframes' targets (deg) as of the last
+    /// update, before the balance bends them.
     const robot::JointValues& speeds() const { return speeds_; }
     const robot::JointValues& targets() const { return player_.targets(); }
     const robot::JointSet& joints() const { return player_.driven(); }
@@ -96,6 +99,11 @@ private:
     /// The keyframe after the held one (0: no hold left), since when it holds.
     int next_frame_ = 0;
     double hold_from_ = -1;
+    /// The playing part's balance, the part's start (-1 until its first update)
+    /// and how long after it the balance takes over (negative: not in this part).
+    LeanBalance balance_;
+    double part_start_ = -1;
+    double balance_after_ = -1;
     Phase phase_ = Phase::idle;
     double settle_from_ = -1;
     /// Since when the finished stand-up has left the robot short of upright.

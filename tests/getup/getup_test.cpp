@@ -1,6 +1,6 @@
 // Get-up motions built from parameter sets: sides mirrored, files that
 // cannot make a motion, which motion follows lying still on each side, and
-// keyframes that wait for the torso.
+// keyframes that wait for the torso or answer its lean.
 #include <orvo/getup/getup.h>
 #include <orvo/getup/getup_motions.h>
 
@@ -186,6 +186,38 @@ TEST(GetUp, AStandUpThatEndsShortOfStandingStartsOver) {
         EXPECT_TRUE(stood_up);
         EXPECT_EQ(lay_again, !feet_down) << feet_down;
     }
+}
+
+TEST(GetUp, AnEndThatAnswersTheLeanKnowsTheLeanAtOnceAndBendsForwardAgainstIt) {
+    // Lying still on the back, the accelerometer reading half a g (as it does
+    // here): believed at once where the back motion balances from its first
+    // keyframe, which then drives the hips further forward; not at all where
+    // the motion does not balance.
+    const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
+    std::string file = entry("back.balance.from", 1) + "," + entry("back.balance.lean", 0) + "," +
+                       entry("back.balance.damping", 0) + "," + entry("back.balance.hip", 1) + "," +
+                       entry("back.balance.ankle", 0) + "," + entry("back.balance.limit", 30);
+    for (const auto& [name, param] : type0.entries()) {
+        file += "," + entry(name, param.value);
+    }
+    double lean[2] = {}, hip_speed[2] = {};
+    for (const bool balanced : {false, true}) {
+        orvo::getup::GetUp getup(0, balanced ? set_of(file) : type0);
+        getup.start(orvo::fall::Posture::fallen_back);
+        orvo::perception::Perception felt;
+        felt.has_time = felt.has_accelerometer = true;
+        felt.accelerometer = orvo::math::Vector3d(0, 4.9, 0);
+        for (double time = 0; time < 2 && getup.motion() != "getup_back"; time += 0.02) {
+            felt.time = time;
+            getup.update(felt);
+        }
+        ASSERT_EQ(getup.motion(), "getup_back");
+        lean[balanced] = getup.lean_back();
+        hip_speed[balanced] = getup.speeds()[orvo::robot::index(Joint::left_hip_pitch)];
+    }
+    EXPECT_NEAR(lean[1], 90, 1);
+    EXPECT_LT(lean[0], 45);
+    EXPECT_GT(hip_speed[1], hip_speed[0]);
 }
 
 } // namespace

@@ -59,6 +59,14 @@ void FallDetector::reset() {
     upright_since_ = -1;
 }
 
+void FallDetector::level(const perception::Perception& perception) {
+    const Eigen::Vector3d felt(perception.accelerometer.x, perception.accelerometer.y,
+                               perception.accelerometer.z);
+    if (perception.has_accelerometer && felt.norm() > 0) {
+        up_ = felt.normalized();
+    }
+}
+
 Posture FallDetector::update(const perception::Perception& perception) {
     if (!perception.has_time) {
         return posture_;

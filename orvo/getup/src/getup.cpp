@@ -34,6 +34,7 @@ GetUp::GetUp(int type, const params::ParamSet& params)
     // at once rather than on the field.
     for (const char* name : {"lie", "front", "back", "side"}) {
         (void)motion_from(params_, name);
+        (void)LeanBalance(params_, name);
     }
     for (const char* name : {"back_rolls", "still_rate", "settle_max", "retry_after"}) {
         (void)params_[name];
@@ -58,6 +59,9 @@ void GetUp::play_from(int frame) {
     }
     next_frame_ = set_has(name_, last + 1, "time") ? last + 1 : 0;
     hold_from_ = -1;
+    balance_ = LeanBalance(params_, name_);
+    balance_after_ = balance_.starts_after(frame, last);
+    part_start_ = -1;
     auto motion =
         std::make_shared<const skills::Motion>(motion_part(params_, name_, frame, last, mirrored_));
     motion_ = motion->name();
@@ -160,14 +164,25 @@ void GetUp::update(const perception::Perception& perception) {
     if (phase_ == Phase::settling &&
         (settled(perception) || now - settle_from_ >= params_["settle_max"])) {
         go_on_from(lying_side(perception));
+        if (balance_.on()) {
+            // The balance needs the lean to a few degrees from the start, and a
+            // still robot's accelerometer points up well enough even where it
+            // reads too little to be believed at once.
+            senses_.level(perception);
+        }
     }
     robot::JointValues angles{};
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         angles[i] = perception.joints[static_cast<robot::Joint>(i)];
     }
     player_.update(now, angles);
-    controller_.step(player_.targets(), player_.rates(), angles, player_.driven() & own_joints_,
-                     speeds_);
+    part_start_ = part_start_ < 0 ? now : part_start_;
+    robot::JointValues targets = player_.targets();
+    if (phase_ == Phase::standing && balance_after_ >= 0 && now - part_start_ >= balance_after_) {
+        // The gyroscope's x axis turns the torso's forward axis up: leaning back.
+        balance_.apply(lean_back(), perception.gyroscope.x, targets);
+    }
+    controller_.step(targets, player_.rates(), angles, player_.driven() & own_joints_, speeds_);
 }
 
 bool GetUp::stuck(fall::Posture posture, double now) {
