@@ -9,6 +9,7 @@
 #include <orvo/effectors/effector_say.h>
 #include <orvo/getup/skill_getup.h>
 #include <orvo/head/skill_head.h>
+#include <orvo/kick/skill_kick.h>
 #include <orvo/knowledgebase/injectors/injector_action.h>
 #include <orvo/params/param_set.h>
 #include <orvo/skills/skill_joints.h>
@@ -65,6 +66,10 @@ bool theirs(orvo::perception::PlayMode mode, bool right_side) {
 PlaySoccer::PlaySoccer() = default;
 PlaySoccer::~PlaySoccer() = default;
 
+bool PlaySoccer::own_set_piece() const {
+    return theirs(world->play_mode(), !world->on_right_side());
+}
+
 void PlaySoccer::link(orvo::Class_Map& classes) {
     actions = orvo::get_class<orvo::knowledgebase::injectors::Injector_Action>(
         *this, "injector_action", classes);
@@ -74,6 +79,7 @@ void PlaySoccer::link(orvo::Class_Map& classes) {
     head = orvo::get_class<orvo::head::Skill_Head>(*this, "skill_head", classes);
     joints = orvo::get_class<orvo::skills::Skill_Joints>(*this, "skill_joints", classes);
     getup = orvo::get_class<orvo::getup::Skill_GetUp>(*this, "skill_getup", classes);
+    kicker = orvo::get_class<orvo::kick::Skill_Kick>(*this, "skill_kick", classes);
     beam = orvo::get_class<BeamTo>(*this, "skill_beam", classes);
     say = orvo::get_class<orvo::effectors::Effector_Say>(*this, "effector_say", classes);
 }
@@ -83,6 +89,7 @@ void PlaySoccer::init() {
     walker->set_robot_type(type);
     walker->leave_head();
     getup->set_robot_type(type);
+    kicker->set_robot_type(type);
     head->set_params(orvo::head::HeadParams::load(params_path("head", type)));
     belief_ = std::make_unique<orvo::world::WorldModel>(
         orvo::world::WorldParams::load(params_path("world", type)));
@@ -97,7 +104,9 @@ void PlaySoccer::start() {
                                                         ? orvo::perception::Side::right
                                                         : orvo::perception::Side::left);
     belief_->place(world->position().x, world->position().y, 0);
-    odometry_ = walker->walker().odometry();
+    shot_ = Shot::none;
+    leave_ball_until_ = -1;
+    odometry_ = moved();
     started_ = true;
 }
 
@@ -147,9 +156,12 @@ Situation PlaySoccer::situation() const {
     out.chasing = decision_.role == Role::chaser;
     out.home = {world->position().x, world->position().y};
     out.dribbling = decision_.dribble;
-    using orvo::perception::PlayMode;
-    out.own_kick_off = world->play_mode() ==
-                       (world->on_right_side() ? PlayMode::KickOff_Right : PlayMode::KickOff_Left);
+    out.own_set_piece = own_set_piece();
+    out.may_touch = leave_ball_until_ < 0 || now >= leave_ball_until_ ||
+                    std::any_of(out.others.begin(), out.others.end(), [&](const Spot& other) {
+                        return std::hypot(other.x - out.ball.x, other.y - out.ball.y) <
+                               params_.set_piece_clear_m;
+                    });
     return out;
 }
 
@@ -171,7 +183,7 @@ void PlaySoccer::speak() {
     } else {
         report.ball_age = ball_from_mates(report.ball);
     }
-    report.ball_distance = report.ball_age && !down_
+    report.ball_distance = report.ball_age && !down_ && leave_ball_until_ < 0
                                ? std::hypot(report.ball.x - pose.x, report.ball.y - pose.y)
                                : far_from_ball;
     report.chasing = decision_.role == Role::chaser && world->number() != 1 && !down_;
@@ -232,15 +244,18 @@ void PlaySoccer::operator()() {
     last_ms_ = world->time();
     beamed_after_goal_ = false;
     const orvo::perception::Perception& now = world->perception();
-    const orvo::walk::Odometry& moved = walker->walker().odometry();
+    const orvo::walk::Odometry& step = moved();
     belief_->update(now, orvo::world::step_between(odometry_.x, odometry_.y, odometry_.heading,
-                                                   moved.x, moved.y, moved.heading));
-    odometry_ = moved;
+                                                   step.x, step.y, step.heading));
+    odometry_ = step;
     counts_.heard +=
         talk_.listen(now, configuration->settings.team, world->number(), world->seconds());
     orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
     const Situation seen = situation();
     decision_ = decide(seen, params_);
+    if (seen.may_touch) {
+        leave_ball_until_ = -1;
+    }
     // A robot on the ground gets up first: the get-up has every joint then,
     // and the walk starts again from its stand.
     down_ = (*getup)(now);
@@ -248,7 +263,11 @@ void PlaySoccer::operator()() {
     counts_.chased += decision_.role == Role::chaser && world->number() != 1 && !down_ ? 1 : 0;
     speak();
     if (down_) {
+        end_shot();
         walker->walker().stop();
+        return;
+    }
+    if (shoot(decision_, now)) {
         return;
     }
     walk(decision_, seen);
@@ -258,6 +277,7 @@ void PlaySoccer::operator()() {
 }
 
 void PlaySoccer::between_goals() {
+    end_shot();
     const orvo::perception::Perception& now = world->perception();
     if ((*getup)(now)) {
         walker->walker().stop();

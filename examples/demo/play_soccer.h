@@ -23,6 +23,9 @@ class Skill_GetUp;
 namespace orvo::head {
 class Skill_Head;
 }
+namespace orvo::kick {
+class Skill_Kick;
+}
 namespace orvo::skills {
 class Skill_Joints;
 }
@@ -44,6 +47,8 @@ class WorldModel;
 /// it tells its team-mates where it is and where the ball is ("effector_say"),
 /// and it hears theirs: the ball goes to the one nearest it by what they
 /// said, and a robot that has not seen the ball lately takes it from a mate.
+/// A kick (an own set piece, a shot near the goal) stops the walk and hands
+/// the legs and the head to "skill_kick" until the kick is done.
 class PlaySoccer : public orvo::behaviors::Behavior {
 public:
     PlaySoccer();
@@ -76,6 +81,12 @@ private:
     /// has not seen it itself; its age then.
     std::optional<double> ball_from_mates(Spot& ball) const;
     void speak();
+    /// The walk whose steps move the belief: the kick's own while it kicks.
+    const orvo::walk::Odometry& moved() const;
+    /// Whether a shot drove the joints this cycle (play_shot.cpp).
+    bool shoot(const Decision& decision, const orvo::perception::Perception& now);
+    void end_shot();
+    bool own_set_piece() const;
 
     orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
     WorldModel* world = nullptr;
@@ -84,6 +95,7 @@ private:
     orvo::head::Skill_Head* head = nullptr;
     orvo::skills::Skill_Joints* joints = nullptr;
     orvo::getup::Skill_GetUp* getup = nullptr;
+    orvo::kick::Skill_Kick* kicker = nullptr;
     BeamTo* beam = nullptr;
     orvo::effectors::Effector_Say* say = nullptr;
 
@@ -93,7 +105,14 @@ private:
     orvo::walk::Odometry odometry_;
     TeamTalk talk_;
     TalkCounts counts_;
-    bool down_ = false; ///< getting up this cycle
+    /// A kick under way: the walk coming to its stand, then the kick's own.
+    enum class Shot { none, stopping, kicking };
+    Shot shot_ = Shot::none;
+    double shot_since_ = 0; ///< the world's seconds when it began
+    Spot shot_aim_{};
+    bool shot_set_piece_ = false;  ///< it is an own set piece's one touch
+    double leave_ball_until_ = -1; ///< after kicking off, the ball is others' till then
+    bool down_ = false;            ///< getting up this cycle
     bool started_ = false;
     bool beamed_after_goal_ = false;
     unsigned last_ms_ = 0; ///< the world's time at the last call

@@ -46,8 +46,9 @@ Decision chase(const Situation& now, const PlayParams& params) {
     const double gx = goal_x - now.ball.x, gy = -now.ball.y;
     const double length = std::max(std::hypot(gx, gy), 1e-6);
     const double ux = gx / length, uy = gy / length;
-    // Waiting for play to go on it keeps a step clear of the ball.
-    const double behind = now.own_kick_off ? params.around_ball : params.behind_ball;
+    // At a set piece it lines up a step clear of the ball: the kick walks
+    // up to it.
+    const double behind = now.own_set_piece ? params.around_ball : params.behind_ball;
     Decision out{Role::chaser,
                  {now.ball.x - behind * ux, now.ball.y - behind * uy},
                  false,
@@ -55,12 +56,20 @@ Decision chase(const Situation& now, const PlayParams& params) {
                  std::atan2(uy, ux) * degrees};
     // Dribbling, the robot walks into the ball: it stays nearer the ball than
     // its line-up spot, which must not read as standing in front of it.
+    // A dribble pushes the ball into a keeper; a kick goes past it. At the
+    // set piece a kick is the one touch the taker is allowed.
+    const bool shot = distance(now.ball, {goal_x, 0}) < params.shot_range_m;
+    const auto kick = [&] {
+        out.kick = true;
+        out.aim = {goal_x, now.own_set_piece ? 0.0 : std::copysign(params.shot_aim_y, now.ball.y)};
+        return out;
+    };
     const double bx = now.ball.x - now.self.x, by = now.ball.y - now.self.y;
     const double bearing = std::remainder(std::atan2(by, bx) * degrees - now.heading_deg, 360.0);
-    if (!now.own_kick_off && now.dribbling && std::hypot(bx, by) < params.dribble_keep_m &&
+    if (!now.own_set_piece && now.dribbling && std::hypot(bx, by) < params.dribble_keep_m &&
         std::abs(bearing) < params.dribble_keep_deg) {
-        out.dribble = true;
-        return out;
+        out.dribble = !shot;
+        return shot ? kick() : out;
     }
     const double ahead = (now.self.x - now.ball.x) * ux + (now.self.y - now.ball.y) * uy;
     if (ahead > -params.behind_ball / 2) {
@@ -71,8 +80,12 @@ Decision chase(const Situation& now, const PlayParams& params) {
         return out;
     }
     const double facing = std::remainder(out.face_deg - now.heading_deg, 360.0);
-    out.dribble = !now.own_kick_off && distance(now.self, out.target) < params.aligned_m &&
-                  std::abs(facing) < params.aligned_deg;
+    const bool aligned =
+        distance(now.self, out.target) < params.aligned_m && std::abs(facing) < params.aligned_deg;
+    if (aligned && (now.own_set_piece ? params.set_piece_kick > 0 : shot)) {
+        return kick();
+    }
+    out.dribble = !now.own_set_piece && aligned;
     return out;
 }
 
@@ -128,6 +141,12 @@ PlayParams PlayParams::for_type(int type) {
     out.crowd_m = set["crowd_m"];
     out.crowd_deg = set["crowd_deg"];
     out.crowd_speed = set["crowd_speed"];
+    out.shot_range_m = set["shot_range_m"];
+    out.shot_aim_y = set["shot_aim_y"];
+    out.shot_max_s = set["shot_max_s"];
+    out.set_piece_kick = set["set_piece_kick"];
+    out.set_piece_clear_s = set["set_piece_clear_s"];
+    out.set_piece_clear_m = set["set_piece_clear_m"];
     return out;
 }
 
@@ -150,7 +169,7 @@ Decision decide(const Situation& now, const PlayParams& params) {
     if (!now.ball_known) {
         return {Role::support, now.home, false};
     }
-    if (nearest_to_ball(now, params)) {
+    if (now.may_touch && nearest_to_ball(now, params)) {
         return out_of_own_box(chase(now, params), params);
     }
     return out_of_own_box(

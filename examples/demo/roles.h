@@ -32,10 +32,11 @@ struct Situation {
     /// Whether it dribbled last cycle: a dribble goes on while the ball
     /// stays just ahead, though the ball rolls off the line-up spot.
     bool dribbling = false;
-    /// The own kick-off: the one who kicks off may touch the ball only once
-    /// before another player has, so the chaser lines up and leaves the
-    /// ball until play is on (the referee puts it on after a while).
-    bool own_kick_off = false;
+    /// A set piece of the own team (kick-off, kick-in, corner, goal kick,
+    /// free kick): its taker may touch the ball only once before another
+    /// player has, so the chaser lines up a step from the ball and kicks it
+    /// rather than dribble.
+    bool own_set_piece = false;
     /// The team-mates heard lately. The ball goes to the one nearest it by
     /// what each said; while nobody has been heard, by the mates seen.
     std::vector<HeardMate> heard{};
@@ -43,6 +44,10 @@ struct Situation {
     bool chasing = false;
     /// Every other robot seen lately, of either team.
     std::vector<Spot> others{};
+    /// False while this robot, having kicked off, must leave the ball to
+    /// another: a second touch before anyone else's is a free kick for the
+    /// other team.
+    bool may_touch = true;
 };
 
 enum class Role { keeper, chaser, support };
@@ -57,6 +62,10 @@ struct Decision {
     /// to line up toward the goal.
     bool face = false;
     double face_deg = 0;
+    /// Lined up to kick the ball toward `aim` (an own set piece, or a shot
+    /// near the opponents' goal) rather than dribble.
+    bool kick = false;
+    Spot aim{};
 };
 
 /// Numbers that shape the team's play, from the parameter file
@@ -84,16 +93,22 @@ struct PlayParams {
     double crowd_m = 0;           ///< a robot this near in the way slows the player down
     double crowd_deg = 0;         ///< "in the way": within this of the way it walks
     double crowd_speed = 0;       ///< m/s, the speed it walks at then
+    double shot_range_m = 0;      ///< a ball this near the opponents' goal is shot at it
+    double shot_aim_y = 0;     ///< the shot aims this far off the goal's centre, on the ball's side
+    double shot_max_s = 0;     ///< a shot not done by then is given up
+    double set_piece_kick = 0; ///< 1: own set pieces are kicked; 0: left to the referee
+    double set_piece_clear_s = 0; ///< their kicker leaves the ball this long at most
+    double set_piece_clear_m = 0; ///< or until another robot comes this near the ball
 };
 
 /// Picks the role and the spot: the keeper (number 1) holds its line between
 /// ball and goal; the player nearest the ball lines up behind it facing the
 /// opponents' goal and dribbles; the others keep the formation shifted
-/// toward the ball. Among heard team-mates the one going for the ball keeps
-/// it until another is nearer by the chaser margin, and of two equally near
-/// the lower number goes, so that the team agrees on one. Only the keeper
-/// enters the own penalty box: the referee calls a fourth defender in it a
-/// foul, and a ball there is the keeper's.
+/// toward the ball; near the opponents' goal, and at an own set piece, the
+/// lined-up chaser kicks instead of dribbling. Among heard team-mates the one going for the ball
+/// keeps it until another is nearer by the chaser margin, and of two equally near the lower number
+/// goes, so that the team agrees on one. Only the keeper enters the own penalty box: the referee
+/// calls a fourth defender in it a foul, and a ball there is the keeper's.
 Decision decide(const Situation& now, const PlayParams& params);
 
 /// The fastest a player may walk toward `toward` (m/s): crowd_speed while

@@ -29,6 +29,9 @@ demo::PlayParams params() {
     p.crowd_m = 0.8;
     p.crowd_deg = 60;
     p.crowd_speed = 0.25;
+    p.shot_range_m = 5;
+    p.shot_aim_y = 0.5;
+    p.set_piece_kick = 1;
     return p;
 }
 
@@ -38,6 +41,7 @@ struct Case {
     Role role;
     double x, y;
     bool dribble;
+    bool kick = false; ///< toward the goal, beside its centre on the ball's side
 };
 
 const demo::Spot home{-6, 2};
@@ -78,11 +82,32 @@ const Case cases[] = {
      -0.25,
      0,
      true},
-    {"own kick-off: lined up and facing the goal, it leaves the ball till play is on",
+    {"own kick-off: lined up a step from the ball facing the goal, it kicks",
      {5, {-0.6, 0}, 5, true, {0, 0}, {}, home, false, true},
      Role::chaser,
      -0.6,
      0,
+     false,
+     true},
+    {"near the opponents' goal, lined up, it shoots rather than dribbles",
+     {5, {11.7, 0}, 0, true, {12, 0}, {}, home},
+     Role::chaser,
+     11.75,
+     0,
+     false,
+     true},
+    {"dribbling into the ball near the goal, it shoots",
+     {5, {11.9, 0.05}, 10, true, {12, 0}, {}, home, true},
+     Role::chaser,
+     11.75,
+     0,
+     false,
+     true},
+    {"having kicked off, it leaves the ball to others though nearest",
+     {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {}, false, {}, false},
+     Role::support,
+     -6,
+     2,
      false},
     {"the ball got away from the dribble: it lines up again",
      {5, {-1.5, 0}, 0, true, {0, 0}, {}, home, true},
@@ -160,6 +185,11 @@ TEST(Roles, EachSituationGetsItsRoleAndSpot) {
         EXPECT_NEAR(d.target.x, c.x, 1e-9) << c.what;
         EXPECT_NEAR(d.target.y, c.y, 1e-9) << c.what;
         EXPECT_EQ(d.dribble, c.dribble) << c.what;
+        EXPECT_EQ(d.kick, c.kick) << c.what;
+        if (c.kick) {
+            EXPECT_NEAR(d.aim.x, 15, 1e-9) << c.what;
+            EXPECT_NEAR(d.aim.y, c.now.own_set_piece ? 0 : 0.5, 1e-9) << c.what;
+        }
         // A chaser lines up facing the opponents' goal, here straight ahead;
         // the keeper faces the field wherever it steps.
         if (c.role != Role::support) {
