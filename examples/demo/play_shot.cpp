@@ -40,9 +40,10 @@ bool PlaySoccer::shoot(const Decision& decision, const orvo::perception::Percept
         shot_aim_ = decision.aim;
         shot_set_piece_ = own_set_piece();
     }
-    // A set piece of the other team stops it: the ball is not its to play.
-    const bool playing =
-        world->play_mode() == orvo::perception::PlayMode::PlayOn || own_set_piece();
+    // Play stopping stops it: a set piece of the other team's is not its to
+    // play, and one of its own is taken by the set piece's own kick.
+    const bool playing = world->play_mode() == orvo::perception::PlayMode::PlayOn ||
+                         (shot_set_piece_ && own_set_piece());
     if (!playing || seconds - shot_since_ > params_.shot_max_s) {
         end_shot();
         return false;
