@@ -46,9 +46,11 @@ Decision chase(const Situation& now, const PlayParams& params) {
     const double gx = goal_x - now.ball.x, gy = -now.ball.y;
     const double length = std::max(std::hypot(gx, gy), 1e-6);
     const double ux = gx / length, uy = gy / length;
-    // At a set piece it lines up a step clear of the ball: the kick walks
-    // up to it.
-    const double behind = now.own_set_piece ? params.around_ball : params.behind_ball;
+    // At a set piece left to the referee it keeps a step clear of the ball;
+    // one it kicks, it lines up near the kick's own stand, so that the
+    // kick's walk up is short and does not push the ball first.
+    const bool waits = now.own_set_piece && params.set_piece_kick <= 0;
+    const double behind = waits ? params.around_ball : params.behind_ball;
     Decision out{Role::chaser,
                  {now.ball.x - behind * ux, now.ball.y - behind * uy},
                  false,
