@@ -14,6 +14,7 @@
 #include <orvo/params/param_set.h>
 #include <orvo/skills/skill_joints.h>
 #include <orvo/walk/skill_walk.h>
+#include <orvo/world/field.h>
 
 #include <algorithm>
 #include <cmath>
@@ -126,6 +127,24 @@ std::optional<double> PlaySoccer::ball_from_mates(Spot& ball) const {
     return freshest;
 }
 
+// At the other team's kick-off the referee moves robots out of the centre
+// circle; a spot inside it would walk the robot back in, and out again,
+// until it falls. It waits just outside instead.
+Spot PlaySoccer::clear_of_their_kick_off(Spot home) const {
+    using orvo::perception::PlayMode;
+    const PlayMode mode = world->play_mode();
+    const bool their_kick_off =
+        (mode == PlayMode::KickOff_Left || mode == PlayMode::KickOff_Right) &&
+        theirs(mode, world->on_right_side());
+    const double clear = orvo::world::field::centre_circle_radius + params_.circle_margin;
+    const double from_centre = std::hypot(home.x, home.y);
+    if (!their_kick_off || from_centre >= clear) {
+        return home;
+    }
+    return from_centre > 0 ? Spot{home.x * clear / from_centre, home.y * clear / from_centre}
+                           : Spot{-clear, 0};
+}
+
 Situation PlaySoccer::situation() const {
     const orvo::world::Pose& pose = belief_->pose();
     const orvo::world::BallBelief& ball = belief_->ball();
@@ -154,7 +173,7 @@ Situation PlaySoccer::situation() const {
         }
     }
     out.chasing = decision_.role == Role::chaser;
-    out.home = {world->position().x, world->position().y};
+    out.home = clear_of_their_kick_off({world->position().x, world->position().y});
     out.dribbling = decision_.dribble;
     out.own_set_piece = own_set_piece();
     out.may_touch = leave_ball_until_ < 0 || now >= leave_ball_until_ ||

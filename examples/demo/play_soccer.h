@@ -76,6 +76,7 @@ public:
 private:
     void start();
     Situation situation() const;
+    Spot clear_of_their_kick_off(Spot home) const;
     void walk(const Decision& decision, const Situation& now);
     /// The ball as the freshest mate who saw it lately said, when this robot
     /// has not seen it itself; its age then.

@@ -149,6 +149,7 @@ PlayParams PlayParams::for_type(int type) {
     out.set_piece_kick = set["set_piece_kick"];
     out.set_piece_clear_s = set["set_piece_clear_s"];
     out.set_piece_clear_m = set["set_piece_clear_m"];
+    out.circle_margin = set["circle_margin"];
     return out;
 }
 
