@@ -176,13 +176,9 @@ Situation PlaySoccer::situation() const {
     out.home = clear_of_their_kick_off({world->position().x, world->position().y});
     out.dribbling = decision_.dribble;
     out.own_set_piece = own_set_piece();
-    // A team-mate at the ball is about to play it; a robot of the other
-    // team beside it may only stand there (as a standing keeper does).
-    out.may_touch =
-        leave_ball_until_ < 0 || now >= leave_ball_until_ ||
-        std::any_of(out.mates.begin(), out.mates.end(), [&](const Spot& mate) {
-            return std::hypot(mate.x - out.ball.x, mate.y - out.ball.y) < params_.set_piece_clear_m;
-        });
+    // Who touched the ball since is not seen: a robot beside the ball may
+    // only stand there, and one believed at it may be elsewhere. It waits.
+    out.may_touch = leave_ball_until_ < 0 || now >= leave_ball_until_;
     return out;
 }
 

@@ -148,7 +148,6 @@ PlayParams PlayParams::for_type(int type) {
     out.shot_max_s = set["shot_max_s"];
     out.set_piece_kick = set["set_piece_kick"];
     out.set_piece_clear_s = set["set_piece_clear_s"];
-    out.set_piece_clear_m = set["set_piece_clear_m"];
     out.circle_margin = set["circle_margin"];
     return out;
 }

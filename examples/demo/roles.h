@@ -97,8 +97,7 @@ struct PlayParams {
     double shot_aim_y = 0;     ///< the shot aims this far off the goal's centre, on the ball's side
     double shot_max_s = 0;     ///< a shot not done by then is given up
     double set_piece_kick = 0; ///< 1: own set pieces are kicked; 0: left to the referee
-    double set_piece_clear_s = 0; ///< their kicker leaves the ball this long at most
-    double set_piece_clear_m = 0; ///< or until a team-mate comes this near the ball
+    double set_piece_clear_s = 0; ///< their kicker leaves the ball this long
     double circle_margin =
         0; ///< at the other team's kick-off it waits this far outside the centre circle
 };
