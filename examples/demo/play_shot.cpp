@@ -81,7 +81,7 @@ void PlaySoccer::end_shot() {
         return;
     }
     // Once a set piece's kick (or its walk up) has touched the ball, play is
-    // on and the taker keeps off it until another robot has been at it.
+    // on and the taker keeps off it for a while.
     if (shot_set_piece_ && !own_set_piece()) {
         leave_ball_until_ = world->seconds() + params_.set_piece_clear_s;
     }

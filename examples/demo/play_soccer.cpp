@@ -67,6 +67,13 @@ bool theirs(orvo::perception::PlayMode mode, bool right_side) {
 PlaySoccer::PlaySoccer() = default;
 PlaySoccer::~PlaySoccer() = default;
 
+// Who touched the ball since its set piece's kick is not seen: a robot
+// beside the ball may only stand there, and one believed at it may be
+// elsewhere. The taker waits the whole time.
+bool PlaySoccer::leaving_ball() const {
+    return world->seconds() < leave_ball_until_;
+}
+
 bool PlaySoccer::own_set_piece() const {
     return theirs(world->play_mode(), !world->on_right_side());
 }
@@ -176,9 +183,7 @@ Situation PlaySoccer::situation() const {
     out.home = clear_of_their_kick_off({world->position().x, world->position().y});
     out.dribbling = decision_.dribble;
     out.own_set_piece = own_set_piece();
-    // Who touched the ball since is not seen: a robot beside the ball may
-    // only stand there, and one believed at it may be elsewhere. It waits.
-    out.may_touch = leave_ball_until_ < 0 || now >= leave_ball_until_;
+    out.may_touch = !leaving_ball();
     return out;
 }
 
@@ -200,7 +205,7 @@ void PlaySoccer::speak() {
     } else {
         report.ball_age = ball_from_mates(report.ball);
     }
-    report.ball_distance = report.ball_age && !down_ && leave_ball_until_ < 0
+    report.ball_distance = report.ball_age && !down_ && !leaving_ball()
                                ? std::hypot(report.ball.x - pose.x, report.ball.y - pose.y)
                                : far_from_ball;
     report.chasing = decision_.role == Role::chaser && world->number() != 1 && !down_;
@@ -270,9 +275,6 @@ void PlaySoccer::operator()() {
     orvo::beliefs::draw_beliefs(*belief_, world->drawings(), now.time);
     const Situation seen = situation();
     decision_ = decide(seen, params_);
-    if (seen.may_touch) {
-        leave_ball_until_ = -1;
-    }
     // A robot on the ground gets up first: the get-up has every joint then,
     // and the walk starts again from its stand.
     down_ = (*getup)(now);

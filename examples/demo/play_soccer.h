@@ -88,6 +88,8 @@ private:
     bool shoot(const Decision& decision, const orvo::perception::Perception& now);
     void end_shot();
     bool own_set_piece() const;
+    /// Whether it keeps off the ball after kicking a set piece.
+    bool leaving_ball() const;
 
     orvo::knowledgebase::injectors::Injector_Action* actions = nullptr;
     WorldModel* world = nullptr;
