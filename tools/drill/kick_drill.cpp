@@ -10,14 +10,17 @@
 #include <cstdio>
 #include <iostream>
 #include <optional>
+#include <random>
 
 namespace orvo::drill {
 
 const char* const kick_usage =
-    "  kick [--direction DEG] [--ball X Y] [--trace]\n"
+    "  kick [--direction DEG] [--ball X Y] [--placed [--jitter M]] [--trace]\n"
     "       walks up to a ball 1 m ahead and kicks it DEG left of its heading (default 0);\n"
     "       the ball lies at (X, Y) on the field (default 0 0); --params: a kick file;\n"
-    "       --seconds: the most the approach and kick may take (default 10)\n";
+    "       --seconds: the most the approach and kick may take (default 10);\n"
+    "       --placed: the trainer puts the ball on the kick's spot, no approach; --jitter:\n"
+    "       that spot moved up to M metres either way on both axes (seeded)\n";
 
 namespace {
 
@@ -39,6 +42,8 @@ struct KickOptions {
     double direction = 0;
     double ball_x = 0;
     double ball_y = 0;
+    bool placed = false;
+    double jitter = 0;
     bool trace = false;
 };
 
@@ -116,6 +121,24 @@ void place(Trial& trial, const KickOptions& kick, const FieldPose& spot) {
                                 spot.heading);
 }
 
+/// The ball put where the kick wants it before the right foot of the robot
+/// standing as the monitor shows it, so that only the kick's motion is
+/// measured: the approach's last steps leave the ball a few centimetres off
+/// its spot either way, which decides more of a kick than its motion does.
+void place_at_foot(Trial& trial, const kick::KickParams& params, const walk::WalkParams& walk,
+                   int type, const kick::Pose2& jitter) {
+    trial.catch_up();
+    if (!trial.pose()) {
+        throw std::runtime_error("the monitor never showed the robot");
+    }
+    const double aside =
+        -(body::BodyModel::for_type(type).hip_width() + walk.foot_y + params.ball_y);
+    const kick::Pose2 robot{trial.pose()->x, trial.pose()->y, trial.pose()->heading};
+    const kick::Pose2 ball = kick::compose(robot, {params.ball_x + jitter.x, aside + jitter.y, 0});
+    trial.monitor().place_ball(ball.x, ball.y, ball_radius);
+    trial.catch_up();
+}
+
 /// What a run shows: how far and where the ball went from `from` to `to`,
 /// against the heading at the start plus the asked direction, and how far
 /// from `kicked_from`, where it lay as the kick's motion began.
@@ -137,7 +160,8 @@ void add_figures(nlohmann::json& result, const KickOptions& kick, const FieldPos
 }
 
 nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
-                        const walk::WalkParams& walk, const kick::KickParams& params, int run) {
+                        const walk::WalkParams& walk, const kick::KickParams& params, int run,
+                        std::mt19937& random) {
     const FieldPose spot{kick.ball_x - behind, kick.ball_y, 0};
     Trial trial(options, spot);
     kick::Kicker kicker(body::BodyModel::for_type(options.type), walk, params);
@@ -159,6 +183,16 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     stand();
     place(trial, kick, spot);
     stand();
+    if (kick.placed) {
+        // Standing on until the robot's belief of the ball has moved to where
+        // the ball now lies: the kick picks its foot from that belief.
+        // As far off as the approach's last steps leave it, so that a kick
+        // tuned on placed balls holds up after an approach too.
+        std::uniform_real_distribution<double> off(-kick.jitter, kick.jitter);
+        const double x = off(random);
+        place_at_foot(trial, params, walk, options.type, {x, off(random), 0});
+        stand();
+    }
     trial.catch_up();
     if (!trial.pose()) {
         throw std::runtime_error("the monitor never showed the robot");
@@ -207,6 +241,11 @@ int run_kick(Arguments& arguments) {
         } else if (words.flag() == "--trace") {
             words.skip();
             kick.trace = true;
+        } else if (words.flag() == "--placed") {
+            words.skip();
+            kick.placed = true;
+        } else if (words.flag() == "--jitter") {
+            kick.jitter = std::fabs(words.number());
         } else {
             return false;
         }
@@ -218,10 +257,11 @@ int run_kick(Arguments& arguments) {
     const kick::KickParams params = kick::KickParams::from(walk::ParamSet::load(
         options.params.empty() ? walk::params_path("kick", options.type) : options.params));
     Summary summary(std::cout);
+    std::mt19937 random(options.seed);
     for (int run = 0; run < options.runs; ++run) {
         std::cerr << "kick: type " << options.type << ", run " << run + 1 << " of " << options.runs
                   << '\n';
-        summary.add(kick_run(options, kick, walk, params, run));
+        summary.add(kick_run(options, kick, walk, params, run, random));
     }
     summary.print(std::cerr, {"distance_m", "direction_error_deg", "seconds", "falls"});
     return 0;
