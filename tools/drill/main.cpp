@@ -4,6 +4,7 @@
 #include "drill_options.h"
 #include "drills.h"
 #include "sim_server.h"
+#include "stop_signal.h"
 
 #include <cstring>
 #include <iostream>
@@ -44,8 +45,12 @@ int main(int argc, char** argv) {
             continue;
         }
         orvo::drill::Arguments arguments({argv + 2, argv + argc});
+        orvo::drill::catch_stop_signals();
         try {
             return drill.run(arguments);
+        } catch (const orvo::drill::Stopped& stopped) {
+            std::cerr << "orvo_drill " << drill.name << ": " << stopped.what() << '\n';
+            return 128 + stopped.signal();
         } catch (const orvo::drill::UsageError& error) {
             std::cerr << "orvo_drill " << drill.name << ": " << error.what() << '\n';
             print_usage();

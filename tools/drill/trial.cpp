@@ -2,6 +2,7 @@
 
 #include "sim_robot.h"
 #include "sim_server.h"
+#include "stop_signal.h"
 
 #include <chrono>
 #include <cmath>
@@ -48,6 +49,7 @@ Trial::Trial(const DrillOptions& options, const FieldPose& beam) {
 Trial::~Trial() = default;
 
 const perception::Perception& Trial::step(const std::string& commands) {
+    check_stop();
     (void)reader_.read(robot_->step(commands), perception_);
     watch();
     return perception_;
@@ -60,6 +62,7 @@ const std::string& Trial::payload() const {
 void Trial::catch_up() {
     constexpr double lag = 0.05;
     constexpr int tries = 40;
+    check_stop();
     for (int i = 0; i < tries && game_time() < perception_.game_state.time - lag; ++i) {
         monitor_->update(std::chrono::milliseconds(50));
         watch();

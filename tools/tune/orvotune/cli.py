@@ -70,6 +70,8 @@ def setup(args):
     if args.drill not in drills:
         raise SystemExit(f"no drill {args.drill!r} in {args.drills}")
     drill = drills[args.drill]
+    if args.drill_program and shutil.which(drill.program) is None:
+        raise SystemExit(f"the drill program {args.drill_program!r} is not an executable file")
     if args.timeout:
         drill.timeout = args.timeout
     path = args.params or os.path.join("params", drill.skill, f"type{args.type}.json")

@@ -6,6 +6,7 @@ speed with a fall penalty, a schedule of velocity changes, kick distance and
 direction, or get-up time: only the drill entry differs.
 """
 import json
+import os
 import math
 
 
@@ -18,6 +19,10 @@ class Drill:
         self.timeout = float(entry.get("timeout", 120))
         self.failed_score = float(entry["failed_score"])
         self.program = drill_program or entry.get("program", "orvo_drill")
+        # Trials run in folders of their own: a path relative to where the
+        # search was started would name nothing there.
+        if os.sep in self.program:
+            self.program = os.path.abspath(self.program)
 
     def command_line(self, **fields):
         return [arg.format(drill=self.program, **fields) for arg in self.command]

@@ -47,6 +47,7 @@ class LocalPool:
         self.workers = workers
         self.work_root = work_root
         self.running = {}
+        self.stopping = False
         self.lock = threading.Lock()
 
     def run(self, trials, drill, attempts, on_result):
@@ -79,10 +80,15 @@ class LocalPool:
     def execute(self, trial, drill, work):
         env = dict(os.environ, TMPDIR=work)
         with open(os.path.join(work, "stderr"), "w+") as errors:
-            proc = subprocess.Popen(trial["command"], stdout=subprocess.PIPE, stderr=errors,
-                                    stdin=subprocess.DEVNULL, cwd=work, env=env,
-                                    start_new_session=True, text=True)
+            # Started and registered under the lock: a trial whose thread
+            # was already on its way when the search was stopped must not
+            # start after stop_all() looked at what runs.
             with self.lock:
+                if self.stopping:
+                    return "", "the search was stopped"
+                proc = subprocess.Popen(trial["command"], stdout=subprocess.PIPE, stderr=errors,
+                                        stdin=subprocess.DEVNULL, cwd=work, env=env,
+                                        start_new_session=True, text=True)
                 self.running[proc.pid] = proc
             try:
                 output, _ = proc.communicate(timeout=drill.timeout)
@@ -102,6 +108,7 @@ class LocalPool:
 
     def stop_all(self):
         with self.lock:
+            self.stopping = True
             procs = list(self.running.values())
         for proc in procs:
             stop_group(proc)
