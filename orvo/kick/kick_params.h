@@ -22,9 +22,15 @@ struct ORVO_API KickParams {
     double approach_turn = 0;      ///< fastest turn, deg/s
     double approach_clearance = 0; ///< keep this far behind the ball until lined up
     double tolerance_x = 0;        ///< close enough to stop and settle
+    /// A robot up to this far short of the spot counts as on it when it
+    /// stops walking: the walk's last steps carry it on about that far.
+    double stop_lead = 0;
     double tolerance_y = 0;
     double tolerance_heading = 0;
     double kick_tolerance_x = 0; ///< still close enough once stood still
+    /// Past the spot (the ball closer than planned) by more than this, the
+    /// robot steps back: the swing cannot make up for a ball too close.
+    double kick_tolerance_close = 0;
     double kick_tolerance_y = 0;
     double kick_tolerance_heading = 0;
     double settle_time = 0; ///< standing still before the last look

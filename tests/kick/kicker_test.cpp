@@ -1,7 +1,7 @@
 // The kicker's decisions without a server, fed made-up sightings of a ball
-// that lies still: it walks toward a ball far off, kicks one lying where the
-// kick needs it, waits while one seen on the spot still moves, and gives up on
-// one it never sees.
+// that lies still: it walks toward a ball far off, steps back from one too
+// close, kicks one lying where the kick needs it, waits while one seen on the
+// spot still moves, and gives up on one it never sees.
 #include <orvo/kick/kicker.h>
 
 #include <gtest/gtest.h>
@@ -51,6 +51,8 @@ TEST(Kicker, WalksUpKicksOrGivesUp) {
     const double line = model.hip_width() + walk.foot_y + kick.ball_y;
     const Case cases[] = {
         {"far ahead", true, 8, 0.5, KickPhase::approach, 1},
+        {"too close", true, (kick.ball_x - kick.kick_tolerance_close - 0.01) / kick.ball_x, 1,
+         KickPhase::approach, 4},
         {"on the spot", true, 1, 1, KickPhase::done, 4},
         {"never seen", false, 1, 1, KickPhase::failed, kick.give_up_time + 1},
         {"still moving", true, 1, 1, KickPhase::settle, 4, 0.02},
@@ -66,7 +68,7 @@ TEST(Kicker, WalksUpKicksOrGivesUp) {
         int cycle = 0;
         for (double t = 0; t < c.seconds && !kicker.finished(); t += 0.02) {
             kicker.update(!c.sees ? nothing : ++cycle % 6 < 3 ? seen : moved_on);
-            moved = moved || kicker.walker().target().forward > 0;
+            moved = moved || kicker.walker().target().forward != 0;
         }
         EXPECT_EQ(kicker.phase(), c.expected) << orvo::kick::phase_name(kicker.phase());
         EXPECT_EQ(moved, c.expected == KickPhase::approach);

@@ -202,6 +202,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
     nlohmann::json at_kick;
+    nlohmann::json believed_at_kick;
     std::optional<Ball> kicked_from;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
@@ -213,6 +214,11 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
             const FieldPose seen =
                 relative_to(trial.pose().value_or(start), FieldPose{ball.x, ball.y, 0});
             at_kick = {seen.x, seen.y};
+            // And where the robot believed it lay: the two differ by what
+            // its camera and odometry got wrong.
+            const kick::Pose2 believed =
+                kick::relative(kicker.robot(), kicker.ball().value_or(kick::Pose2{}));
+            believed_at_kick = {believed.x, believed.y};
         }
     }
     trial.catch_up();
@@ -225,6 +231,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     result["upright"] = !trial.down();
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
     result["ball_at_kick"] = at_kick;
+    result["ball_believed_at_kick"] = believed_at_kick;
     return result;
 }
 

@@ -15,9 +15,11 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(approach_turn);
     ORVO_KICK_PARAM(approach_clearance);
     ORVO_KICK_PARAM(tolerance_x);
+    ORVO_KICK_PARAM(stop_lead);
     ORVO_KICK_PARAM(tolerance_y);
     ORVO_KICK_PARAM(tolerance_heading);
     ORVO_KICK_PARAM(kick_tolerance_x);
+    ORVO_KICK_PARAM(kick_tolerance_close);
     ORVO_KICK_PARAM(kick_tolerance_y);
     ORVO_KICK_PARAM(kick_tolerance_heading);
     ORVO_KICK_PARAM(settle_time);

@@ -106,7 +106,8 @@ void Kicker::aim_head() {
 
 void Kicker::approach() {
     const Pose2 here = robot();
-    const Pose2 off = relative(here, *stand_);
+    Pose2 off = relative(here, *stand_);
+    off.x -= std::clamp(off.x, 0.0, params_.stop_lead);
     if (within(off, params_.tolerance_x, params_.tolerance_y, params_.tolerance_heading)) {
         walker_.stop();
         phase_ = KickPhase::settle;
@@ -137,7 +138,8 @@ void Kicker::settle() {
     }
     const Pose2 off = relative(robot(), *stand_);
     if (!within(off, params_.kick_tolerance_x, params_.kick_tolerance_y,
-                params_.kick_tolerance_heading)) {
+                params_.kick_tolerance_heading) ||
+        -off.x > params_.kick_tolerance_close) {
         phase_ = KickPhase::approach;
         since_ = clock_;
         return;
