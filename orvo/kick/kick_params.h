@@ -31,6 +31,9 @@ struct ORVO_API KickParams {
     /// Past the spot (the ball closer than planned) by more than this, the
     /// robot steps back: the swing cannot make up for a ball too close.
     double kick_tolerance_close = 0;
+    /// Each walk back to the spot after a last look widens the four
+    /// tolerances above by this share of themselves.
+    double retry_widen = 0;
     double kick_tolerance_y = 0;
     double kick_tolerance_heading = 0;
     double settle_time = 0; ///< standing still before the last look

@@ -83,6 +83,7 @@ private:
     double asked_ = 0; ///< the direction asked for, relative to the heading at start()
     walk::Side side_ = walk::Side::right;
     bool side_chosen_ = false;
+    int retries_ = 0; ///< walks back to the spot after a last look since start()
     std::optional<Pose2> ball_;
     std::optional<Pose2> stand_;
     Pose2 settled_ball_; ///< the ball as the robot came to stand

@@ -20,6 +20,7 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(tolerance_heading);
     ORVO_KICK_PARAM(kick_tolerance_x);
     ORVO_KICK_PARAM(kick_tolerance_close);
+    ORVO_KICK_PARAM(retry_widen);
     ORVO_KICK_PARAM(kick_tolerance_y);
     ORVO_KICK_PARAM(kick_tolerance_heading);
     ORVO_KICK_PARAM(settle_time);

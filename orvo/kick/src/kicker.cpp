@@ -48,6 +48,7 @@ void Kicker::start(double direction_deg) {
     asked_ = direction_deg;
     direction_ = robot().heading + direction_deg;
     side_chosen_ = false;
+    retries_ = 0;
     stand_.reset();
     motion_.reset();
     phase_ = KickPhase::approach;
@@ -136,12 +137,17 @@ void Kicker::settle() {
         settled_ball_ = *ball_;
         return;
     }
+    // Every walk back to the spot is a new chance to stop off it again: each
+    // one widens the tolerances, so that a robot that cannot stop closer
+    // kicks a ball less well placed rather than never.
+    const double widen = 1 + params_.retry_widen * retries_;
     const Pose2 off = relative(robot(), *stand_);
-    if (!within(off, params_.kick_tolerance_x, params_.kick_tolerance_y,
-                params_.kick_tolerance_heading) ||
-        -off.x > params_.kick_tolerance_close) {
+    if (!within(off, widen * params_.kick_tolerance_x, widen * params_.kick_tolerance_y,
+                widen * params_.kick_tolerance_heading) ||
+        -off.x > widen * params_.kick_tolerance_close) {
         phase_ = KickPhase::approach;
         since_ = clock_;
+        ++retries_;
         return;
     }
     // Short of the spot, the ball lies further than the swing expects: the
