@@ -126,7 +126,12 @@ void place(Trial& trial, const KickOptions& kick, const FieldPose& spot) {
 /// measured: the approach's last steps leave the ball a few centimetres off
 /// its spot either way, which decides more of a kick than its motion does.
 void place_at_foot(Trial& trial, const kick::KickParams& params, const walk::WalkParams& walk,
-                   int type, const kick::Pose2& jitter) {
+                   int type, double jitter, std::mt19937& random) {
+    // As far off as the approach's last steps leave it, so that a kick tuned
+    // on placed balls holds up after an approach too.
+    std::uniform_real_distribution<double> off(-jitter, jitter);
+    const double jitter_x = off(random);
+    const double jitter_y = off(random);
     trial.catch_up();
     if (!trial.pose()) {
         throw std::runtime_error("the monitor never showed the robot");
@@ -134,7 +139,7 @@ void place_at_foot(Trial& trial, const kick::KickParams& params, const walk::Wal
     const double aside =
         -(body::BodyModel::for_type(type).hip_width() + walk.foot_y + params.ball_y);
     const kick::Pose2 robot{trial.pose()->x, trial.pose()->y, trial.pose()->heading};
-    const kick::Pose2 ball = kick::compose(robot, {params.ball_x + jitter.x, aside + jitter.y, 0});
+    const kick::Pose2 ball = kick::compose(robot, {params.ball_x + jitter_x, aside + jitter_y, 0});
     trial.monitor().place_ball(ball.x, ball.y, ball_radius);
     trial.catch_up();
 }
@@ -157,6 +162,28 @@ void add_figures(nlohmann::json& result, const KickOptions& kick, const FieldPos
     // approach's steps adds to distance_m and not to this.
     result["kick_distance_m"] =
         kicked_from ? std::hypot(to.x - kicked_from->x, to.y - kicked_from->y) : 0.0;
+}
+
+/// Where the ball lay as the kick's motion began: truly (on the field, and
+/// from the torso) and as the robot believed, from its hips; the two differ
+/// by what its camera and odometry got wrong.
+struct AtKick {
+    std::optional<Ball> ball;
+    nlohmann::json truth;
+    nlohmann::json believed;
+};
+
+AtKick at_kick(Trial& trial, const kick::Kicker& kicker, const FieldPose& start) {
+    trial.catch_up();
+    AtKick at;
+    const Ball ball = ball_of(trial);
+    at.ball = ball;
+    const FieldPose seen = relative_to(trial.pose().value_or(start), FieldPose{ball.x, ball.y, 0});
+    at.truth = {seen.x, seen.y};
+    const kick::Pose2 believed =
+        kick::relative(kicker.robot(), kicker.ball().value_or(kick::Pose2{}));
+    at.believed = {believed.x, believed.y};
+    return at;
 }
 
 nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
@@ -186,11 +213,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     if (kick.placed) {
         // Standing on until the robot's belief of the ball has moved to where
         // the ball now lies: the kick picks its foot from that belief.
-        // As far off as the approach's last steps leave it, so that a kick
-        // tuned on placed balls holds up after an approach too.
-        std::uniform_real_distribution<double> off(-kick.jitter, kick.jitter);
-        const double x = off(random);
-        place_at_foot(trial, params, walk, options.type, {x, off(random), 0});
+        place_at_foot(trial, params, walk, options.type, kick.jitter, random);
         stand();
     }
     trial.catch_up();
@@ -201,37 +224,24 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const Ball from = ball_of(trial);
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
-    nlohmann::json at_kick;
-    nlohmann::json believed_at_kick;
-    std::optional<Ball> kicked_from;
+    AtKick at;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
-        if (at_kick.is_null() && kicker.phase() == kick::KickPhase::kick) {
-            // Where the ball truly lay from the torso as the kick began.
-            trial.catch_up();
-            const Ball ball = ball_of(trial);
-            kicked_from = ball;
-            const FieldPose seen =
-                relative_to(trial.pose().value_or(start), FieldPose{ball.x, ball.y, 0});
-            at_kick = {seen.x, seen.y};
-            // And where the robot believed it lay: the two differ by what
-            // its camera and odometry got wrong.
-            const kick::Pose2 believed =
-                kick::relative(kicker.robot(), kicker.ball().value_or(kick::Pose2{}));
-            believed_at_kick = {believed.x, believed.y};
+        if (!at.ball && kicker.phase() == kick::KickPhase::kick) {
+            at = at_kick(trial, kicker, start);
         }
     }
     trial.catch_up();
     const double seconds = trial.game_time() - start_time;
     wait_for_rest(trial, kicker);
     nlohmann::json result = trial.record("kick", options, run, start_time);
-    add_figures(result, kick, start, from, ball_of(trial), kicked_from);
+    add_figures(result, kick, start, from, ball_of(trial), at.ball);
     result["seconds"] = seconds;
     result["kicked"] = kicker.phase() == kick::KickPhase::done;
     result["upright"] = !trial.down();
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
-    result["ball_at_kick"] = at_kick;
-    result["ball_believed_at_kick"] = believed_at_kick;
+    result["ball_at_kick"] = at.truth;
+    result["ball_believed_at_kick"] = at.believed;
     return result;
 }
 
