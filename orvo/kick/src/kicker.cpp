@@ -107,6 +107,8 @@ void Kicker::aim_head() {
 
 void Kicker::approach() {
     const Pose2 here = robot();
+    // The walk's last steps carry the robot on after it is told to stop:
+    // up to stop_lead short of the spot counts as on it.
     Pose2 off = relative(here, *stand_);
     off.x -= std::clamp(off.x, 0.0, params_.stop_lead);
     if (within(off, params_.tolerance_x, params_.tolerance_y, params_.tolerance_heading)) {
