@@ -55,6 +55,9 @@ public:
     /// `hip_offset`: how far each hip joint lies beside the torso's middle.
     Gait(const WalkParams& params, double hip_offset);
 
+    /// Takes new parameters (the walk's, blended for its speed); the step
+    /// under way keeps its time and height, which begin() takes up.
+    void retune(const WalkParams& params) { params_ = params; }
     /// Starts a step on `support` at the velocity `velocity`; `sway_scale`
     /// (0 to 1) shrinks the sway for the first and last step.
     void begin(Side support, const Velocity& velocity, double sway_scale);
@@ -96,6 +99,7 @@ private:
     std::array<Offset, 2> end_{};
     Offset swing_end_;       ///< the swing foot's end before place()
     double step_height_ = 0; ///< this step's, as the turn asks
+    double step_time_ = 1;   ///< this step's
 };
 
 } // namespace orvo::walk

@@ -105,6 +105,18 @@ struct ORVO_API WalkParams {
     double goto_radius = 0;
     double goto_near = 0;      ///< within this it steps to the spot without turning
     double goto_turn_only = 0; ///< bearing beyond which it turns on the spot
+    /// Walking fast forward asks for another gait than stepping aside or
+    /// turning: shorter, lower steps and a torso leaning into the walk. From
+    /// fast_from m/s forward up to max_forward these values take over from
+    /// step_time, step_height, lean, hip_height, foot_x and landing_match in
+    /// proportion, so that the slow walk, sideways and turning keep theirs.
+    double fast_from = 0;
+    double fast_step_time = 0;
+    double fast_step_height = 0;
+    double fast_lean = 0;
+    double fast_hip_height = 0;
+    double fast_foot_x = 0;
+    double fast_landing_match = 0;
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.
     static WalkParams from(const ParamSet& set);
@@ -112,6 +124,10 @@ struct ORVO_API WalkParams {
     /// The share of max_turn that `turn` (deg/s) asks for, 0 to 1: what the
     /// turn-dependent step height and foot placement blend in by.
     double turn_share(double turn) const { return std::min(1.0, std::fabs(turn) / max_turn); }
+    /// The share of the fast gait at `forward` m/s, 0 to 1.
+    double fast_share(double forward) const;
+    /// These parameters with the fast gait blended in for `forward` m/s.
+    WalkParams at_speed(double forward) const;
 };
 
 } // namespace orvo::walk

@@ -73,6 +73,8 @@ public:
     /// The gyroscope's last reading, deg/s about forward, left and up.
     const Eigen::Vector3d& rates() const { return gyro_; }
     const WalkParams& params() const { return params_; }
+    /// The parameters in use now: params() with the fast gait blended in.
+    const WalkParams& params_now() const { return now_; }
 
 private:
     void steer_to_spot();
@@ -91,6 +93,7 @@ private:
 
     body::BodyModel model_;
     WalkParams params_;
+    WalkParams now_; ///< params_ blended for the speed walked now
     Gait gait_;
     skills::JointController controller_;
     Velocity target_;

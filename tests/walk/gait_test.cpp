@@ -118,3 +118,31 @@ TEST(Gait, SwingFootLiftsToTheHeightItsTurnAsks) {
 }
 
 } // namespace
+
+TEST(Gait, FastGaitBlendsInWithSpeedAndStepsKeepTheirTime) {
+    auto params = type0();
+    params.fast_from = 0.4;
+    params.max_forward = 0.8;
+    params.step_time = 0.2;
+    params.fast_step_time = 0.1;
+    params.lean = 2;
+    params.fast_lean = 10;
+    EXPECT_DOUBLE_EQ(params.at_speed(-0.3).step_time, 0.2);
+    EXPECT_DOUBLE_EQ(params.at_speed(0.4).lean, 2);
+    EXPECT_DOUBLE_EQ(params.at_speed(0.6).step_time, 0.15);
+    EXPECT_DOUBLE_EQ(params.at_speed(0.6).lean, 6);
+    EXPECT_DOUBLE_EQ(params.at_speed(2.0).step_time, 0.1);
+    params.fast_from = params.max_forward; // no range: the fast gait never blends in
+    EXPECT_DOUBLE_EQ(params.at_speed(2.0).step_time, 0.2);
+
+    // A step already under way keeps the time it began with.
+    params.fast_from = 0.4;
+    Gait gait(params.at_speed(0), 0.055);
+    gait.begin(Side::right, {0.3, 0, 0}, 1);
+    gait.retune(params.at_speed(0.8));
+    EXPECT_FALSE(gait.advance(0.1));
+    EXPECT_NEAR(gait.phase(), 0.5, 1e-12);
+    EXPECT_TRUE(gait.advance(0.1));
+    gait.begin(Side::left, {0.3, 0, 0}, 1);
+    EXPECT_TRUE(gait.advance(0.1));
+}

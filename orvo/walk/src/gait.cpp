@@ -31,7 +31,8 @@ void Gait::begin(Side support, const Velocity& velocity, double sway_scale) {
     support_ = support;
     phase_ = 0;
     sway_scale_ = sway_scale;
-    const double time = params_.step_time;
+    step_time_ = params_.step_time;
+    const double time = step_time_;
     // Forward and sideways: the support foot slides under the hips by half a
     // step while the swing foot comes through to half a step beyond them.
     Offset& support_end = end_[at(support)];
@@ -57,7 +58,7 @@ void Gait::place(double x, double y) {
 }
 
 bool Gait::advance(double seconds) {
-    phase_ = std::min(1.0, phase_ + seconds / params_.step_time);
+    phase_ = std::min(1.0, phase_ + seconds / step_time_);
     return phase_ >= 1;
 }
 
@@ -102,9 +103,9 @@ bool Gait::feet_together() const {
 
 double Gait::sway(double phase) const {
     const double constant = std::sqrt(params_.com_height / gravity);
-    const double half = params_.step_time / 2;
+    const double half = step_time_ / 2;
     const double shape =
-        1 - std::cosh((phase * params_.step_time - half) / constant) / std::cosh(half / constant);
+        1 - std::cosh((phase * step_time_ - half) / constant) / std::cosh(half / constant);
     return params_.zmp_y * sway_scale_ * shape;
 }
 
@@ -113,7 +114,7 @@ SoleTarget Gait::stand_sole(Side side) const {
 }
 
 SoleTarget Gait::sole(Side side, double ahead) const {
-    const double phase = std::min(1.0, phase_ + ahead / params_.step_time);
+    const double phase = std::min(1.0, phase_ + ahead / step_time_);
     SoleTarget target = stand_sole(side);
     const Offset now = offset(side, phase);
     target.position.x() += now.x;

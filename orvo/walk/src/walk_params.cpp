@@ -1,5 +1,7 @@
 #include <orvo/walk/walk_params.h>
 
+#include <algorithm>
+
 namespace orvo::walk {
 
 #define ORVO_WALK_PARAM(name) params.name = set[#name]
@@ -60,9 +62,37 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(goto_radius);
     ORVO_WALK_PARAM(goto_near);
     ORVO_WALK_PARAM(goto_turn_only);
+    ORVO_WALK_PARAM(fast_from);
+    ORVO_WALK_PARAM(fast_step_time);
+    ORVO_WALK_PARAM(fast_step_height);
+    ORVO_WALK_PARAM(fast_lean);
+    ORVO_WALK_PARAM(fast_hip_height);
+    ORVO_WALK_PARAM(fast_foot_x);
+    ORVO_WALK_PARAM(fast_landing_match);
     return params;
 }
 
 #undef ORVO_WALK_PARAM
+
+double WalkParams::fast_share(double forward) const {
+    const double range = max_forward - fast_from;
+    if (range <= 0) {
+        return 0;
+    }
+    return std::clamp((forward - fast_from) / range, 0.0, 1.0);
+}
+
+WalkParams WalkParams::at_speed(double forward) const {
+    const double share = fast_share(forward);
+    WalkParams now = *this;
+    const auto mix = [share](double slow, double fast) { return slow + (fast - slow) * share; };
+    now.step_time = mix(step_time, fast_step_time);
+    now.step_height = mix(step_height, fast_step_height);
+    now.lean = mix(lean, fast_lean);
+    now.hip_height = mix(hip_height, fast_hip_height);
+    now.foot_x = mix(foot_x, fast_foot_x);
+    now.landing_match = mix(landing_match, fast_landing_match);
+    return now;
+}
 
 } // namespace orvo::walk

@@ -38,7 +38,7 @@ double heading_rate(const Eigen::Vector3d& rates, const Attitude& tilt) {
 }
 
 Walker::Walker(const body::BodyModel& model, const WalkParams& params)
-    : model_(model), params_(params), gait_(params, model.hip_width()),
+    : model_(model), params_(params), now_(params.at_speed(0)), gait_(now_, model.hip_width()),
       controller_(skills::JointController::Gains{params.joint_p, params.joint_d}),
       joints_(robot::joints_of(model.type())) {}
 
@@ -171,7 +171,7 @@ void Walker::step_on(const perception::Perception& perception) {
 bool Walker::steady() const {
     // A robot still rocking from its landing or a stop would start its first
     // step off balance; without the sensors it starts at once.
-    const bool level = !has_tilt_ || (std::fabs(tilt_.pitch - params_.lean) <= params_.start_tilt &&
+    const bool level = !has_tilt_ || (std::fabs(tilt_.pitch - now_.lean) <= params_.start_tilt &&
                                       std::fabs(tilt_.roll) <= params_.start_tilt);
     return level && gyro_.norm() <= params_.start_gyro;
 }
@@ -227,7 +227,7 @@ void Walker::place_swing_foot() {
     // Where the torso will be tipped place_rate seconds from now: a foot set
     // down under that catches it. The gyroscope's rate jumps at every
     // landing, and a foot target that jumps with it kicks the joints.
-    const double forward = tilt_.pitch - params_.lean + gyro_.y() * params_.place_rate;
+    const double forward = tilt_.pitch - now_.lean + gyro_.y() * params_.place_rate;
     const double right = tilt_.roll + gyro_.x() * params_.place_rate;
     const double most = params_.place_max;
     const double turning = params_.turn_share(velocity_.turn);
@@ -240,9 +240,9 @@ void Walker::place_swing_foot() {
 
 void Walker::pose_joints() {
     using robot::Joint;
-    Attitude attitude{params_.lean, 0};
+    Attitude attitude{now_.lean, 0};
     if (has_tilt_) {
-        attitude.pitch -= params_.tilt_pitch * (tilt_.pitch - params_.lean);
+        attitude.pitch -= params_.tilt_pitch * (tilt_.pitch - now_.lean);
         attitude.roll -= params_.tilt_roll * tilt_.roll;
     }
     reachable_ = true;
@@ -289,6 +289,8 @@ void Walker::update(const perception::Perception& perception) {
     if (walking_ || steady()) {
         accelerate();
     }
+    now_ = params_.at_speed(velocity_.forward);
+    gait_.retune(now_);
     step_on(perception);
     place_swing_foot();
     pose_joints();
