@@ -6,6 +6,27 @@ namespace orvo::walk {
 
 #define ORVO_WALK_PARAM(name) params.name = set[#name]
 
+namespace {
+
+/// Walking to a spot and walking fast: what the gait itself does not need.
+void read_goto_and_fast(const ParamSet& set, WalkParams& params) {
+    ORVO_WALK_PARAM(goto_gain);
+    ORVO_WALK_PARAM(goto_speed);
+    ORVO_WALK_PARAM(goto_turn_gain);
+    ORVO_WALK_PARAM(goto_radius);
+    ORVO_WALK_PARAM(goto_near);
+    ORVO_WALK_PARAM(goto_turn_only);
+    ORVO_WALK_PARAM(fast_from);
+    ORVO_WALK_PARAM(fast_step_time);
+    ORVO_WALK_PARAM(fast_step_height);
+    ORVO_WALK_PARAM(fast_lean);
+    ORVO_WALK_PARAM(fast_hip_height);
+    ORVO_WALK_PARAM(fast_foot_x);
+    ORVO_WALK_PARAM(fast_landing_match);
+}
+
+} // namespace
+
 WalkParams WalkParams::from(const ParamSet& set) {
     WalkParams params;
     ORVO_WALK_PARAM(step_time);
@@ -56,19 +77,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(odometry_sideways);
     ORVO_WALK_PARAM(odometry_turn);
     ORVO_WALK_PARAM(odometry_creep);
-    ORVO_WALK_PARAM(goto_gain);
-    ORVO_WALK_PARAM(goto_speed);
-    ORVO_WALK_PARAM(goto_turn_gain);
-    ORVO_WALK_PARAM(goto_radius);
-    ORVO_WALK_PARAM(goto_near);
-    ORVO_WALK_PARAM(goto_turn_only);
-    ORVO_WALK_PARAM(fast_from);
-    ORVO_WALK_PARAM(fast_step_time);
-    ORVO_WALK_PARAM(fast_step_height);
-    ORVO_WALK_PARAM(fast_lean);
-    ORVO_WALK_PARAM(fast_hip_height);
-    ORVO_WALK_PARAM(fast_foot_x);
-    ORVO_WALK_PARAM(fast_landing_match);
+    read_goto_and_fast(set, params);
     return params;
 }
 
