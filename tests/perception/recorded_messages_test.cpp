@@ -3,9 +3,10 @@
 // whole elements before the cut.
 #include <orvo/perception/perception_reader.h>
 
+#include <support/text.h>
+
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -15,12 +16,7 @@ using namespace orvo::perception;
 using orvo::robot::Joint;
 
 std::vector<std::string> recorded(const char* name) {
-    std::ifstream file(std::string(RECORDED_DIR) + "/" + name);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
+    return orvo_test::read_lines(std::string(RECORDED_DIR) + "/" + name);
 }
 
 const std::vector<std::string>& server() {

@@ -190,10 +190,7 @@ protected:
         acceptor.bind({asio::ip::address_v4::loopback(), 0});
         acceptor.listen();
         start({"--monitor", "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port())});
-        std::ifstream in(MONITOR_SAMPLE);
-        for (std::string line; std::getline(in, line);) {
-            sample.push_back(line);
-        }
+        sample = orvo_test::read_lines(MONITOR_SAMPLE);
     }
 
     /// Waits for the viewer's connection and sends it `messages`, each as a frame.
