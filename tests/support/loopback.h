@@ -152,6 +152,16 @@ protected:
 
     int unit_fd() { return unit->get_socket().getFD(); }
 
+    /// The server goes away without a goodbye: the unit's side sees a reset.
+    void reset_connection() {
+        const linger abort_on_close{1, 0};
+        ASSERT_EQ(setsockopt(server->getFD(), SOL_SOCKET, SO_LINGER, &abort_on_close,
+                             sizeof abort_on_close),
+                  0);
+        server.reset();
+        ASSERT_TRUE(readable(unit_fd()));
+    }
+
     std::unique_ptr<Listener> listener;
     std::unique_ptr<orvo::net::CommUnit> unit;
     std::unique_ptr<orvo::net::TCPSocket> server;
