@@ -13,23 +13,12 @@ using orvo::communication::SayReader;
 using orvo::communication::SayWriter;
 
 TEST(SayCodec, TheServerCarriesOnlyShortTextsOfItsCharacters) {
-    const struct {
-        std::string text;
-        bool carried;
-    } cases[] = {{"a", true},
-                 {"12345678901234567890", true},
-                 {"123456789012345678901", false},
-                 {"", false},
-                 {"x y", false},
-                 {"x\"y", false},
-                 {"x'y", false},
-                 {"x(y", false},
-                 {"x)y", false},
-                 {"x\xc3\xa9y", false},
-                 {"~!#$%&*+,-./:;<=>?@[\\]^_`{|}", false},
-                 {"~!#$%&*+,-./:;<=>?@", true}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(orvo::communication::say_fault(c.text).empty(), c.carried) << c.text;
+    for (const std::string text : {"a", "12345678901234567890", "~!#$%&*+,-./:;<=>?@"}) {
+        EXPECT_EQ(orvo::communication::say_fault(text), "") << text;
+    }
+    for (const std::string text : {"123456789012345678901", "", "x y", "x\"y", "x'y", "x(y", "x)y",
+                                   "x\xc3\xa9y", "~!#$%&*+,-./:;<=>?@[\\]^_`{|}"}) {
+        EXPECT_NE(orvo::communication::say_fault(text), "") << text;
     }
     EXPECT_EQ(orvo::communication::say_alphabet().size(), 90u);
     for (const char c : orvo::communication::say_alphabet()) {
