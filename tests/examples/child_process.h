@@ -91,11 +91,7 @@ public:
     std::string output_text() const { return read(output); }
     std::string error_text() const { return read(error); }
 
-    static std::string read(const std::string& path) {
-        std::ostringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        return text.str();
-    }
+    static std::string read(const std::string& path) { return read_text(path); }
 
 private:
     /// This process's environment with `changes` ("NAME=VALUE") replacing or adding entries.

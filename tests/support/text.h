@@ -2,10 +2,18 @@
 #define ORVO_TESTS_SUPPORT_TEXT_H
 
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace orvo_test {
+
+/// The whole file at `path`; "" when it cannot be read.
+inline std::string read_text(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
 
 /// The lines of the file at `path`; none when it cannot be read.
 inline std::vector<std::string> read_lines(const std::string& path) {
