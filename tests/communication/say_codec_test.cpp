@@ -28,20 +28,15 @@ TEST(SayCodec, TheServerCarriesOnlyShortTextsOfItsCharacters) {
 
 TEST(SayCodec, NumbersComeBackToTheirStepClampedToTheirRange) {
     const SayField x{-16, 16, 0.01}, flag{0, 3, 1}, wide{0, 1e6, 1};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         double value;
         SayField field;
         double back;
         std::size_t width;
-    } cases[] = {{-16, x, -16, 2},
-                 {16, x, 16, 2},
-                 {3.14159, x, 3.14, 2},
-                 {-0.004, x, 0, 2},
-                 {40, x, 16, 2},
-                 {-40, x, -16, 2},
-                 {std::numeric_limits<double>::quiet_NaN(), x, -16, 2},
-                 {2, flag, 2, 1},
-                 {999999, wide, 999999, 4}};
+    } cases[] = {{-16, x, -16, 2},  {16, x, 16, 2},  {3.14159, x, 3.14, 2},
+                 {-0.004, x, 0, 2}, {40, x, 16, 2},  {-40, x, -16, 2},
+                 {nan, x, -16, 2},  {2, flag, 2, 1}, {999999, wide, 999999, 4}};
     SayWriter writer;
     for (const auto& c : cases) {
         EXPECT_EQ(c.field.width(), c.width);
