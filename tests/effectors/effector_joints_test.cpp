@@ -13,7 +13,6 @@
 namespace {
 
 using orvo::robot::Joint;
-using orvo::robot::JointSet;
 using orvo::robot::JointValues;
 
 /// The joint components with their knowledge base, connected to a server

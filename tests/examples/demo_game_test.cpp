@@ -14,7 +14,6 @@
 #include <fstream>
 #include <iterator>
 #include <map>
-#include <memory>
 #include <numeric>
 #include <regex>
 #include <sstream>

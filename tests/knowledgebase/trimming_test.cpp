@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <iterator>
 #include <random>
 #include <set>
 

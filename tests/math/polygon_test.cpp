@@ -11,7 +11,6 @@
 #include <cmath>
 #include <iterator>
 #include <random>
-#include <sstream>
 #include <vector>
 
 using orvo::math::Polygon;

@@ -6,10 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
-#include <vector>
 
 using orvo::net::CommUnit;
 using orvo_test::frame;
