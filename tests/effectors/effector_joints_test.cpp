@@ -1,9 +1,6 @@
-#include <support/failure.h>
 #include <support/joint_agent.h>
 
 #include <gtest/gtest.h>
-
-#include <boost/any.hpp>
 
 #include <cmath>
 #include <memory>
