@@ -59,14 +59,12 @@ TEST(GetUpMotions, BothSidesMoveAsMirrorImages) {
     EXPECT_FALSE(mirrored.joints().test(orvo::robot::index(Joint::left_shoulder_pitch)));
 }
 
-TEST(GetUpMotions, KeyframesRunInOrderUntilTheFirstMissing) {
+TEST(GetUpMotions, KeyframesRunInOrderUntilTheFirstMissingAndBadOnesAreRefused) {
     const ParamSet set = set_of(entry("m.1.time", 0.5) + "," + entry("m.1.knee_pitch", -20) + "," +
                                 entry("m.2.time", 0.25) + "," + entry("m.2.knee_pitch", -10) + "," +
                                 entry("m.4.time", 9) + "," + entry("m.4.knee_pitch", -10));
     EXPECT_DOUBLE_EQ(orvo::getup::motion_from(set, "m").duration(), 0.75);
-}
-
-TEST(GetUpMotions, RefusesWhatCannotBeAMotion) {
+    // No first keyframe, or a joint no robot has.
     EXPECT_THROW(orvo::getup::motion_from(set_of(entry("m.2.time", 1)), "m"), ParamError);
     EXPECT_THROW(orvo::getup::motion_from(
                      set_of(entry("m.1.time", 1) + "," + entry("m.1.tail_wag", 3)), "m"),
