@@ -89,13 +89,16 @@ TEST_F(StreamBufTest, LoneFfEndsTheStreamAndDoubleFfIsData) {
 }
 
 TEST_F(StreamBufTest, InputEndsOnCloseAndOnReceiveErrors) {
-    orvo_test::TcpPair pair;
-    SocketStreamBuf buffer(pair.client.get(), 16);
+    orvo_test::Listener listener;
+    orvo::net::TCPSocket client(Addr(0, loopback), listener.address());
+    orvo_test::bound_waits(client.getFD());
+    const auto server = listener.accept();
+    SocketStreamBuf buffer(&client, 16);
     std::iostream stream(&buffer);
     stream << "(init)" << std::flush;
-    EXPECT_EQ(orvo_test::read_bytes(*pair.server, 6), "(init)");
-    pair.server->send("(ok)", 4);
-    pair.server->close();
+    EXPECT_EQ(orvo_test::read_bytes(*server, 6), "(init)");
+    server->send("(ok)", 4);
+    server->close();
     std::string text;
     std::getline(stream, text);
     EXPECT_EQ(text, "(ok)");

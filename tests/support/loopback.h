@@ -109,19 +109,6 @@ struct Listener {
     orvo::net::TCPSocket socket;
 };
 
-/// Both ends of one loopback TCP connection.
-struct TcpPair {
-    TcpPair()
-        : client(std::make_unique<orvo::net::TCPSocket>(orvo::net::Addr(0, loopback),
-                                                        listener.address())),
-          server(listener.accept()) {
-        bound_waits(client->getFD());
-    }
-    Listener listener;
-    std::unique_ptr<orvo::net::TCPSocket> client;
-    std::unique_ptr<orvo::net::TCPSocket> server;
-};
-
 /// A CommUnit connected to a server the test controls byte by byte.
 class ServedCommUnit : public NoDescriptorLeak {
 protected:
