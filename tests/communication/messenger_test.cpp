@@ -1,12 +1,9 @@
 #include <orvo/communication/messenger.h>
-#include <orvo/core/architect.h>
 
 #include <support/loopback.h>
-#include <support/scratch_dir.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -14,8 +11,6 @@ using orvo::Class_Map;
 using orvo::communication::Configuration;
 using orvo::communication::Messenger;
 using orvo::net::CommUnit;
-using orvo::net::Received;
-using namespace std::string_literals;
 
 namespace {
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -13,23 +12,12 @@ using orvo::communication::SayReader;
 using orvo::communication::SayWriter;
 
 TEST(SayCodec, TheServerCarriesOnlyShortTextsOfItsCharacters) {
-    const struct {
-        std::string text;
-        bool carried;
-    } cases[] = {{"a", true},
-                 {"12345678901234567890", true},
-                 {"123456789012345678901", false},
-                 {"", false},
-                 {"x y", false},
-                 {"x\"y", false},
-                 {"x'y", false},
-                 {"x(y", false},
-                 {"x)y", false},
-                 {"x\xc3\xa9y", false},
-                 {"~!#$%&*+,-./:;<=>?@[\\]^_`{|}", false},
-                 {"~!#$%&*+,-./:;<=>?@", true}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(orvo::communication::say_fault(c.text).empty(), c.carried) << c.text;
+    for (const std::string text : {"a", "12345678901234567890", "~!#$%&*+,-./:;<=>?@"}) {
+        EXPECT_EQ(orvo::communication::say_fault(text), "") << text;
+    }
+    for (const std::string text : {"123456789012345678901", "", "x y", "x\"y", "x'y", "x(y", "x)y",
+                                   "x\xc3\xa9y", "~!#$%&*+,-./:;<=>?@[\\]^_`{|}"}) {
+        EXPECT_NE(orvo::communication::say_fault(text), "") << text;
     }
     EXPECT_EQ(orvo::communication::say_alphabet().size(), 90u);
     for (const char c : orvo::communication::say_alphabet()) {
@@ -39,20 +27,15 @@ TEST(SayCodec, TheServerCarriesOnlyShortTextsOfItsCharacters) {
 
 TEST(SayCodec, NumbersComeBackToTheirStepClampedToTheirRange) {
     const SayField x{-16, 16, 0.01}, flag{0, 3, 1}, wide{0, 1e6, 1};
+    const double nan = std::numeric_limits<double>::quiet_NaN();
     const struct {
         double value;
         SayField field;
         double back;
         std::size_t width;
-    } cases[] = {{-16, x, -16, 2},
-                 {16, x, 16, 2},
-                 {3.14159, x, 3.14, 2},
-                 {-0.004, x, 0, 2},
-                 {40, x, 16, 2},
-                 {-40, x, -16, 2},
-                 {std::numeric_limits<double>::quiet_NaN(), x, -16, 2},
-                 {2, flag, 2, 1},
-                 {999999, wide, 999999, 4}};
+    } cases[] = {{-16, x, -16, 2},  {16, x, 16, 2},  {3.14159, x, 3.14, 2},
+                 {-0.004, x, 0, 2}, {40, x, 16, 2},  {-40, x, -16, 2},
+                 {nan, x, -16, 2},  {2, flag, 2, 1}, {999999, wide, 999999, 4}};
     SayWriter writer;
     for (const auto& c : cases) {
         EXPECT_EQ(c.field.width(), c.width);

@@ -8,32 +8,11 @@
 #include <gtest/gtest.h>
 
 #include <dlfcn.h>
-#include <sys/utsname.h>
-
-#include <cerrno>
-#include <cstring>
 
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-// This program defines uname() itself; the library's call binds to it, so a
-// test chooses the system name the Architect sees.
-namespace {
-const char* fake_sysname = "Linux";
-bool fake_fails = false;
-} // namespace
-
-extern "C" int uname(struct utsname* info) noexcept {
-    if (fake_fails) {
-        errno = EFAULT;
-        return -1;
-    }
-    std::memset(info, 0, sizeof *info);
-    std::strncpy(info->sysname, fake_sysname, sizeof info->sysname - 1);
-    return 0;
-}
 
 namespace {
 

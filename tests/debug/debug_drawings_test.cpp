@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace {

@@ -1,9 +1,6 @@
-#include <support/failure.h>
 #include <support/joint_agent.h>
 
 #include <gtest/gtest.h>
-
-#include <boost/any.hpp>
 
 #include <cmath>
 #include <memory>
@@ -13,7 +10,6 @@
 namespace {
 
 using orvo::robot::Joint;
-using orvo::robot::JointSet;
 using orvo::robot::JointValues;
 
 /// The joint components with their knowledge base, connected to a server

@@ -1,11 +1,11 @@
 #ifndef ORVO_TESTS_EXAMPLES_CHILD_PROCESS_H
 #define ORVO_TESTS_EXAMPLES_CHILD_PROCESS_H
 
+#include <support/text.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -89,11 +89,7 @@ public:
     std::string output_text() const { return read(output); }
     std::string error_text() const { return read(error); }
 
-    static std::string read(const std::string& path) {
-        std::ostringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        return text.str();
-    }
+    static std::string read(const std::string& path) { return read_text(path); }
 
 private:
     /// This process's environment with `changes` ("NAME=VALUE") replacing or adding entries.
@@ -116,15 +112,6 @@ private:
     int status_code = -1;
     std::string output, error;
 };
-
-/// How often `what` occurs in `text`.
-inline std::size_t count_of(const std::string& text, const std::string& what) {
-    std::size_t found = 0;
-    for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
-        ++found;
-    }
-    return found;
-}
 
 /// Waits (bounded) until `path` exists and is not empty; false on time-out.
 inline bool wait_for_file(const std::string& path, std::chrono::milliseconds timeout) {

@@ -35,164 +35,105 @@ demo::PlayParams params() {
     return p;
 }
 
+struct Expected {
+    Role role;
+    demo::Spot target;
+    bool dribble;
+    bool kick = false; ///< toward the goal, beside its centre on the ball's side
+};
+
 struct Case {
     const char* what;
     Situation now;
-    Role role;
-    double x, y;
-    bool dribble;
-    bool kick = false; ///< toward the goal, beside its centre on the ball's side
+    Expected expected;
 };
 
 const demo::Spot home{-6, 2};
 const Case cases[] = {
     {"keeper follows the ball along its line, within reach",
      {1, {-14, 0}, 0, true, {0, 4}, {}, home},
-     Role::keeper,
-     -14.3,
-     0.9,
-     false},
+     {Role::keeper, {-14.3, 0.9}, false}},
     {"keeper goes for a ball at its goal",
      {1, {-14, 0}, 0, true, {-13.5, 0}, {}, home},
-     Role::keeper,
-     -13.75,
-     0,
-     false},
+     {Role::keeper, {-13.75, 0}, false}},
     {"nearest player lines up behind the ball",
      {5, {-2, 0}, 0, true, {0, 0}, {}, home},
-     Role::chaser,
-     -0.25,
-     0,
-     false},
+     {Role::chaser, {-0.25, 0}, false}},
     {"lined up and facing the goal, it dribbles",
      {5, {-0.3, 0}, 5, true, {0, 0}, {}, home},
-     Role::chaser,
-     -0.25,
-     0,
-     true},
+     {Role::chaser, {-0.25, 0}, true}},
     {"lined up but facing away, it turns first",
      {5, {-0.3, 0}, 90, true, {0, 0}, {}, home},
-     Role::chaser,
-     -0.25,
-     0,
-     false},
+     {Role::chaser, {-0.25, 0}, false}},
     {"dribbling into the ball, nearer than its line-up spot, it dribbles on",
      {5, {-0.1, 0.05}, 10, true, {0, 0}, {}, home, true},
-     Role::chaser,
-     -0.25,
-     0,
-     true},
+     {Role::chaser, {-0.25, 0}, true}},
     {"own kick-off: lined up behind the ball facing the goal, it kicks",
      {5, {-0.3, 0}, 5, true, {0, 0}, {}, home, false, true},
-     Role::chaser,
-     -0.25,
-     0,
-     false,
-     true},
+     {Role::chaser, {-0.25, 0}, false, true}},
     {"near the opponents' goal, lined up, it shoots rather than dribbles",
      {5, {11.7, 0}, 0, true, {12, 0}, {}, home},
-     Role::chaser,
-     11.75,
-     0,
-     false,
-     true},
+     {Role::chaser, {11.75, 0}, false, true}},
     {"dribbling into the ball near the goal, it shoots",
      {5, {11.9, 0.05}, 10, true, {12, 0}, {}, home, true},
-     Role::chaser,
-     11.75,
-     0,
-     false,
-     true},
+     {Role::chaser, {11.75, 0}, false, true}},
     {"having kicked off, it leaves the ball to others though nearest",
      {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {}, false, {}, false},
-     Role::support,
-     -6,
-     2,
-     false},
+     {Role::support, {-6, 2}, false}},
     {"the ball got away from the dribble: it lines up again",
      {5, {-1.5, 0}, 0, true, {0, 0}, {}, home, true},
-     Role::chaser,
-     -0.25,
-     0,
-     false},
+     {Role::chaser, {-0.25, 0}, false}},
     {"in front of the ball it walks round it on its own side",
      {5, {1, 0.5}, 180, true, {0, 0}, {}, home},
-     Role::chaser,
-     -0.6,
-     0.6,
-     false},
+     {Role::chaser, {-0.6, 0.6}, false}},
     {"a mate nearer the ball chases; this one follows the formation",
      {5, {-3, 0}, 0, true, {2, 1}, {{1.5, 1}}, home},
-     Role::support,
-     -5,
-     2.3,
-     false},
+     {Role::support, {-5, 2.3}, false}},
     {"a mate heard nearer the ball chases, though a seen mate is farther",
      {5, {-3, 0}, 0, true, {0, 0}, {{5, 5}}, home, false, false, {{3, 2.5, false}}},
-     Role::support,
-     -6,
-     2,
-     false},
+     {Role::support, {-6, 2}, false}},
     {"heard mates farther away: it chases, though a seen mate is nearer",
      {5, {-2, 0}, 0, true, {0, 0}, {{-0.5, 0}}, home, false, false, {{3, 2.5, false}}},
-     Role::chaser,
-     -0.25,
-     0,
-     false},
+     {Role::chaser, {-0.25, 0}, false}},
     {"the chasing mate keeps the ball against one nearer by less than the margin",
      {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{3, 2.2, true}}},
-     Role::support,
-     -6,
-     2,
-     false},
+     {Role::support, {-6, 2}, false}},
     {"this chaser keeps it too, against a mate nearer by less than the margin",
      {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{3, 1.8, false}}, true},
-     Role::chaser,
-     -0.25,
-     0,
-     false},
+     {Role::chaser, {-0.25, 0}, false}},
     {"a mate nearer by more than the margin takes over from the chaser",
      {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{3, 1.6, false}}, true},
-     Role::support,
-     -6,
-     2,
-     false},
+     {Role::support, {-6, 2}, false}},
     {"equally near: the lower number goes; the keeper's word does not count",
      {5, {-2, 0}, 0, true, {0, 0}, {}, home, false, false, {{1, 0.1, true}, {7, 2, false}}},
-     Role::chaser,
-     -0.25,
-     0,
-     false},
+     {Role::chaser, {-0.25, 0}, false}},
     {"a ball in the own penalty box: the chaser waits at its front edge, the keeper clears",
      {5, {-14.5, 0}, 0, true, {-14, 0}, {}, home},
-     Role::chaser,
-     -12.7,
-     0,
-     false},
+     {Role::chaser, {-12.7, 0}, false}},
     {"the formation follows the ball back, but not into the own penalty box",
      {3, {-9, 0}, 0, true, {-14, 0.5}, {{-13, 0}}, {-9.5, 0}},
-     Role::support,
-     -12.7,
-     0.15,
-     false},
-    {"no ball seen: home", {5, {-3, 0}, 0, false, {2, 1}, {}, home}, Role::support, -6, 2, false},
+     {Role::support, {-12.7, 0.15}, false}},
+    {"no ball seen: home",
+     {5, {-3, 0}, 0, false, {2, 1}, {}, home},
+     {Role::support, {-6, 2}, false}},
 };
 
 TEST(Roles, EachSituationGetsItsRoleAndSpot) {
     for (const Case& c : cases) {
         const Decision d = demo::decide(c.now, params());
-        EXPECT_EQ(d.role, c.role) << c.what;
-        EXPECT_NEAR(d.target.x, c.x, 1e-9) << c.what;
-        EXPECT_NEAR(d.target.y, c.y, 1e-9) << c.what;
-        EXPECT_EQ(d.dribble, c.dribble) << c.what;
-        EXPECT_EQ(d.kick, c.kick) << c.what;
-        if (c.kick) {
+        const Expected& e = c.expected;
+        EXPECT_EQ(d.role, e.role) << c.what;
+        EXPECT_NEAR(d.target.x, e.target.x, 1e-9) << c.what;
+        EXPECT_NEAR(d.target.y, e.target.y, 1e-9) << c.what;
+        EXPECT_EQ(d.dribble, e.dribble) << c.what;
+        EXPECT_EQ(d.kick, e.kick) << c.what;
+        if (e.kick) {
             EXPECT_NEAR(d.aim.x, 15, 1e-9) << c.what;
             EXPECT_NEAR(d.aim.y, c.now.own_set_piece ? 0 : 0.5, 1e-9) << c.what;
         }
         // A chaser lines up facing the opponents' goal, here straight ahead;
         // the keeper faces the field wherever it steps.
-        if (c.role != Role::support) {
+        if (e.role != Role::support) {
             EXPECT_TRUE(d.face) << c.what;
             EXPECT_NEAR(d.face_deg, 0, 1e-9) << c.what;
         }

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 namespace {
@@ -57,29 +59,46 @@ TEST(GetUpMotions, BothSidesMoveAsMirrorImages) {
     EXPECT_FALSE(mirrored.joints().test(orvo::robot::index(Joint::left_shoulder_pitch)));
 }
 
-TEST(GetUpMotions, KeyframesRunInOrderUntilTheFirstMissing) {
+TEST(GetUpMotions, KeyframesRunInOrderUntilTheFirstMissingAndBadOnesAreRefused) {
     const ParamSet set = set_of(entry("m.1.time", 0.5) + "," + entry("m.1.knee_pitch", -20) + "," +
                                 entry("m.2.time", 0.25) + "," + entry("m.2.knee_pitch", -10) + "," +
                                 entry("m.4.time", 9) + "," + entry("m.4.knee_pitch", -10));
     EXPECT_DOUBLE_EQ(orvo::getup::motion_from(set, "m").duration(), 0.75);
-}
-
-TEST(GetUpMotions, RefusesWhatCannotBeAMotion) {
+    // No first keyframe, or a joint no robot has.
     EXPECT_THROW(orvo::getup::motion_from(set_of(entry("m.2.time", 1)), "m"), ParamError);
     EXPECT_THROW(orvo::getup::motion_from(
                      set_of(entry("m.1.time", 1) + "," + entry("m.1.tail_wag", 3)), "m"),
                  ParamError);
 }
 
+/// What the torso feels at `time`: the ground pushing along (x, y, z).
+orvo::perception::Perception felt(double time, double x, double y, double z = 0) {
+    orvo::perception::Perception p;
+    p.has_time = p.has_accelerometer = true;
+    p.time = time;
+    p.accelerometer = orvo::math::Vector3d(x, y, z);
+    return p;
+}
+
+/// Type 0's parameter entries but those whose names start with one of `left_out`.
+std::string type0_entries(std::initializer_list<const char*> left_out = {}) {
+    std::string file;
+    const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
+    for (const auto& [name, param] : type0.entries()) {
+        if (std::none_of(left_out.begin(), left_out.end(),
+                         [&](const char* prefix) { return name.rfind(prefix, 0) == 0; })) {
+            file += entry(name, param.value) + ",";
+        }
+    }
+    return file;
+}
+
 /// Runs `getup` on a robot lying still, the ground pushing along x and y,
 /// until `motion` plays or `seconds` have passed; returns whether it played.
 bool plays(orvo::getup::GetUp& getup, double& time, double x, double y, const std::string& motion,
            double seconds) {
-    orvo::perception::Perception still;
-    still.accelerometer = orvo::math::Vector3d(x, y, 0);
     for (const double end = time + seconds; time < end && getup.motion() != motion; time += 0.02) {
-        still.time = time;
-        getup.update(still);
+        getup.update(felt(time, x, y));
     }
     return getup.motion() == motion;
 }
@@ -127,12 +146,7 @@ TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
                 entry(m + "2.time", 0.4) + "," + entry(m + "2.hip_pitch", 90) + "," +
                 entry(m + "3.time", 0.25) + "," + entry(m + "3.knee_pitch", -130) + ",";
     }
-    const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
-    for (const auto& [name, param] : type0.entries()) {
-        file += name.rfind("back.", 0) == 0 || name.rfind("front.", 0) == 0
-                    ? ""
-                    : entry(name, param.value) + ",";
-    }
+    file += type0_entries({"back.", "front."});
     const double held = 0.3 + 0.3 + 0.4; // the lying pose, keyframes 1 and 2, lying still
     const std::size_t knee = orvo::robot::index(Joint::left_knee_pitch);
     // Lying on the back ("lean" waits to come forward) or front ("risen" to turn
@@ -148,15 +162,10 @@ TEST(GetUp, AHeldKeyframeWaitsForTheTorsoOrTheWait) {
             0, set_of(file + entry(hold + (back ? "lean" : "risen"), back ? -20 : -50) + "," +
                       entry(hold + "wait", c.wait)));
         getup.start(back ? Posture::fallen_back : Posture::fallen_front);
-        orvo::perception::Perception felt;
-        felt.has_time = felt.has_accelerometer = true;
         double time = 0;
         for (; time < 5 && !(time > held - 0.3 && getup.targets()[knee] < -5); time += 0.02) {
             const bool lying = time < c.lean_at;
-            felt.time = time;
-            felt.accelerometer =
-                orvo::math::Vector3d(0, lying ? (back ? 9.81 : -9.81) : -4.9, lying ? 0 : 8.5);
-            getup.update(felt);
+            getup.update(felt(time, 0, lying ? (back ? 9.81 : -9.81) : -4.9, lying ? 0 : 8.5));
         }
         EXPECT_GE(time, c.after) << back << ' ' << c.wait;
         EXPECT_LE(time, c.before) << back << ' ' << c.wait;
@@ -171,17 +180,14 @@ TEST(GetUp, AStandUpThatEndsShortOfStandingStartsOver) {
         set.set("retry_after", 1.5);
         orvo::getup::GetUp getup(0, set);
         getup.start(Posture::fallen_front);
-        orvo::perception::Perception felt;
-        felt.has_time = felt.has_accelerometer = true;
         bool stood_up = false, lay_again = false;
         const double end = 1 + orvo::getup::motion_from(set, "front").duration() + 2;
         for (double time = 0; time < end; time += 0.02) {
             stood_up = stood_up || getup.motion() == "getup_front";
             lay_again = lay_again || (stood_up && getup.motion() == "getup_lie");
-            felt.time = time;
-            felt.accelerometer = orvo::math::Vector3d(0, stood_up ? 0 : -9.81, stood_up ? 9.81 : 0);
-            felt.feet[0].touches = stood_up && feet_down;
-            getup.update(felt);
+            auto now = felt(time, 0, stood_up ? 0 : -9.81, stood_up ? 9.81 : 0);
+            now.feet[0].touches = stood_up && feet_down;
+            getup.update(now);
         }
         EXPECT_TRUE(stood_up);
         EXPECT_EQ(lay_again, !feet_down) << feet_down;
@@ -194,24 +200,16 @@ TEST(GetUp, AnEndThatAnswersTheLeanKnowsTheLeanAtOnceAndBendsForwardAgainstIt) {
     // keyframe, which then drives the hips further forward; not at all where
     // the motion does not balance.
     const ParamSet type0 = ParamSet::load(orvo::params::params_path("getup", 0));
-    std::string file = entry("back.balance.from", 1) + "," + entry("back.balance.lean", 0) + "," +
-                       entry("back.balance.damping", 0) + "," + entry("back.balance.hip", 1) + "," +
-                       entry("back.balance.ankle", 0) + "," + entry("back.balance.limit", 30);
-    for (const auto& [name, param] : type0.entries()) {
-        file += "," + entry(name, param.value);
-    }
+    const std::string file =
+        type0_entries() + entry("back.balance.from", 1) + "," + entry("back.balance.lean", 0) +
+        "," + entry("back.balance.damping", 0) + "," + entry("back.balance.hip", 1) + "," +
+        entry("back.balance.ankle", 0) + "," + entry("back.balance.limit", 30);
     double lean[2] = {}, hip_speed[2] = {};
     for (const bool balanced : {false, true}) {
         orvo::getup::GetUp getup(0, balanced ? set_of(file) : type0);
         getup.start(orvo::fall::Posture::fallen_back);
-        orvo::perception::Perception felt;
-        felt.has_time = felt.has_accelerometer = true;
-        felt.accelerometer = orvo::math::Vector3d(0, 4.9, 0);
-        for (double time = 0; time < 2 && getup.motion() != "getup_back"; time += 0.02) {
-            felt.time = time;
-            getup.update(felt);
-        }
-        ASSERT_EQ(getup.motion(), "getup_back");
+        double time = 0;
+        ASSERT_TRUE(plays(getup, time, 0, 4.9, "getup_back", 2));
         lean[balanced] = getup.lean_back();
         hip_speed[balanced] = getup.speeds()[orvo::robot::index(Joint::left_hip_pitch)];
     }

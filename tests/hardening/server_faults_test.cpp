@@ -34,16 +34,6 @@ protected:
         alarm(0);
     }
 
-    /// The server goes away without a goodbye: the agent's side sees a reset.
-    void reset_connection() {
-        const linger abort_on_close{1, 0};
-        ASSERT_EQ(setsockopt(server->getFD(), SOL_SOCKET, SO_LINGER, &abort_on_close,
-                             sizeof abort_on_close),
-                  0);
-        server.reset();
-        ASSERT_TRUE(orvo_test::readable(unit_fd()));
-    }
-
     /// Nothing left to read and the server gone.
     bool agent_input_ended() {
         char byte;

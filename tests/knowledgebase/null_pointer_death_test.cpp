@@ -11,7 +11,6 @@
 namespace {
 
 using orvo::knowledgebase::descriptors::Descriptor_Action;
-using orvo::knowledgebase::descriptors::Descriptor_Effector;
 using namespace orvo_test;
 
 constexpr const char* assertion = "px != 0";

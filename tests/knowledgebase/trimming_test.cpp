@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <iterator>
 #include <random>
 #include <set>
 
@@ -15,12 +14,8 @@ using namespace orvo_test;
 /// Times that sit on the edges that matter: around 0, around the largest
 /// time, and around `now` and the window's far edge.
 unsigned int pick(std::mt19937& random, unsigned int now, unsigned int retention) {
-    const unsigned int anchors[] = {0u,
-                                    0xFFFFFFFFu,
-                                    now,
-                                    now - retention,
-                                    now - retention + 1u,
-                                    static_cast<unsigned int>(random())};
+    const unsigned int anchors[] = {
+        0u, 0xFFFFFFFFu, now, now - retention, now - retention + 1u, unsigned(random())};
     return anchors[random() % 6] + static_cast<unsigned int>(random() % 7) - 3u;
 }
 
@@ -30,14 +25,8 @@ TEST(Trimming, ErasesExactlyWhatAWalkOverTheWholeLogErases) {
     std::mt19937 random(20240611);
     for (int round = 0; round < 4000; ++round) {
         const unsigned int now = random() % 3 == 0 ? pick(random, 0, 0) : random();
-        const unsigned int retentions[] = {0u,
-                                           1u,
-                                           2u,
-                                           5u,
-                                           0xFFFFFFFFu,
-                                           0xFFFFFFFEu,
-                                           static_cast<unsigned int>(random()),
-                                           static_cast<unsigned int>(random() % 64)};
+        const unsigned int retentions[] = {
+            0u, 1u, 2u, 5u, 0xFFFFFFFFu, 0xFFFFFFFEu, unsigned(random()), unsigned(random() % 64)};
         const unsigned int retention = retentions[random() % 8];
 
         // Filled through the injector, which trims nothing but the time just

@@ -1,17 +1,14 @@
 // The polygon on hand-checked cases, and its cell checked against the same
 // Voronoi cell built another way (support/voronoi_cell.h).
-#include <orvo/core/exception.h>
 #include <orvo/math/polygon.h>
 
 #include <gtest/gtest.h>
-#include <support/failure.h>
 #include <support/voronoi_cell.h>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <random>
-#include <sstream>
 #include <vector>
 
 using orvo::math::Polygon;

@@ -1,16 +1,12 @@
 #include <orvo/core/exception.h>
-#include <orvo/math/polar.h>
 #include <orvo/math/vector2d.h>
 #include <orvo/math/vector3d.h>
 
 #include <gtest/gtest.h>
 #include <support/failure.h>
 
-#include <cmath>
 #include <limits>
-#include <random>
 
-using orvo::math::Polar;
 using orvo::math::Vector2d;
 using orvo::math::Vector3d;
 

@@ -1,6 +1,6 @@
 // The monitor client against a real server in sync mode: robots and the ball
-// placed with trainer commands read back where they were put, with the
-// number, side and type they joined with.
+// placed with trainer commands read back where they were put, the robots with
+// the number, side and type they joined with.
 #include <orvo/monitor/monitor_client.h>
 
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ protected:
     std::unique_ptr<orvo::sim::SimRobot> robot;
 };
 
-TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
+TEST_F(RealServer, PlacedRobotsAndBallReadBackWithTheRobotsNumberSideAndType) {
     struct Case {
         int type, number;
         double x, y, heading;
@@ -56,8 +56,15 @@ TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
     const Case cases[] = {{0, 1, -5.0, 2.0, 0.0, false}, {4, 4, -3.0, -4.0, 90.0, true}};
     for (const Case& c : cases) {
         start(c.type, c.number);
+        // Before the kick-off the referee keeps the ball on the centre spot.
+        monitor->play_mode("PlayOn");
+        run(2);
         monitor->place_robot(Side::left, c.number, c.x, c.y, 0.4, c.heading);
+        monitor->place_ball(3.0, -1.0, 0.042);
         run(10);
+        EXPECT_EQ(monitor->truth().play_mode_name(), "PlayOn");
+        EXPECT_NEAR(monitor->truth().ball[0], 3.0, 0.05);
+        EXPECT_NEAR(monitor->truth().ball[1], -1.0, 0.05);
         const auto* robot = monitor->robot(Side::left, c.number);
         ASSERT_NE(robot, nullptr) << c.number;
         EXPECT_EQ(robot->type, c.type);
@@ -67,18 +74,6 @@ TEST_F(RealServer, PlacedRobotsReadBackWithTheirNumberSideAndType) {
         EXPECT_EQ(robot->part("ltoe") != nullptr, c.toes) << c.number;
         EXPECT_NE(robot->part("rfoot"), nullptr) << c.number;
     }
-}
-
-TEST_F(RealServer, PlacedBallReadsBack) {
-    start(0, 1);
-    // Before the kick-off the referee keeps the ball on the centre spot.
-    monitor->play_mode("PlayOn");
-    run(2);
-    monitor->place_ball(3.0, -1.0, 0.042);
-    run(5);
-    EXPECT_EQ(monitor->truth().play_mode_name(), "PlayOn");
-    EXPECT_NEAR(monitor->truth().ball[0], 3.0, 0.05);
-    EXPECT_NEAR(monitor->truth().ball[1], -1.0, 0.05);
 }
 
 } // namespace

@@ -5,49 +5,21 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "support/allocation_counter.h"
+#include "support/text.h"
 
 namespace {
 
 using orvo::monitor::SceneReader;
 using orvo::monitor::Side;
 
-std::vector<std::string> sample() {
-    std::ifstream in(MONITOR_SAMPLE);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-/// `update` with "(SLT matrix)" given to the node that holds `position` in the
-/// whole scene `scene`: the update the server sends when that node moves.
-std::string moved(const std::string& scene, const std::string& update, const std::string& position,
-                  const std::string& matrix) {
-    const std::string node = "(nd";
-    const auto at = scene.find(position);
-    int index = -1;
-    for (auto p = scene.find(node); p < at; p = scene.find(node, p + 1)) {
-        ++index;
-    }
-    auto p = update.find(node);
-    for (int i = 0; i < index; ++i) {
-        p = update.find(node, p + 1);
-    }
-    std::string result = update;
-    result.insert(p + node.size(), "(SLT " + matrix + ")");
-    return result;
-}
-
 class SampleStream : public ::testing::Test {
 protected:
     void SetUp() override {
-        lines = sample();
+        lines = orvo_test::read_lines(MONITOR_SAMPLE);
         ASSERT_EQ(lines.size(), 30u);
         for (const auto& line : lines) {
             reader.read(line);
@@ -109,7 +81,7 @@ TEST_F(SampleStream, AMovedTorsoChangesPositionHeadingAndTilt) {
         {"0 1 0 0 0 0 1 0 1 0 0 0 0 0 0.1 1", 0, 0, 0, 90, true},
     };
     for (const Case& c : cases) {
-        EXPECT_TRUE(reader.read(moved(lines[0], lines[1], "-5 2 0.4 1)", c.matrix)));
+        EXPECT_TRUE(reader.read(orvo_test::moved(lines[0], lines[1], "-5 2 0.4 1)", c.matrix)));
         const auto* one = reader.robot(Side::left, 1);
         ASSERT_NE(one, nullptr);
         EXPECT_NEAR(one->x, c.x, 1e-9) << c.matrix;

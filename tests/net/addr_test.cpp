@@ -4,8 +4,6 @@
 
 #include <netdb.h>
 
-#include <sstream>
-
 using orvo::net::Addr;
 
 TEST(Addr, ConstructorsFillTheStructureAndTheHostText) {

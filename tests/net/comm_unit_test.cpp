@@ -6,10 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
 #include <string>
-#include <vector>
 
 using orvo::net::CommUnit;
 using orvo_test::frame;
@@ -119,13 +117,7 @@ TEST_F(CommUnitTest, FrameInThreePiecesKeepsTheGapsOfTheRunningCount) {
 
 TEST_F(CommUnitTest, FailedFirstReadReturnsThePreviousMessage) {
     ASSERT_EQ(receive(frame("(see)")), "(see)");
-    // A reset from the server makes the next read fail.
-    const linger abort_on_close{1, 0};
-    ASSERT_EQ(
-        setsockopt(server->getFD(), SOL_SOCKET, SO_LINGER, &abort_on_close, sizeof abort_on_close),
-        0);
-    server->close();
-    ASSERT_TRUE(orvo_test::readable(unit_fd()));
+    reset_connection(); // the next read fails
     EXPECT_EQ(unit->get_message(), "(see)");
     EXPECT_EQ(unit->get_message(), ""); // then the connection reads as closed
 }

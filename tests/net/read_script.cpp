@@ -4,7 +4,6 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <deque>
 
 namespace orvo_test {
@@ -12,7 +11,6 @@ namespace orvo_test {
 namespace {
 int scripted_fd = -1;
 std::deque<std::size_t> pending_limits;
-int pending_error = 0;
 } // namespace
 
 void script_reads(int fd, std::initializer_list<std::size_t> limits) {
@@ -20,15 +18,9 @@ void script_reads(int fd, std::initializer_list<std::size_t> limits) {
     pending_limits.assign(limits);
 }
 
-void fail_next_read(int fd, int error) {
-    scripted_fd = fd;
-    pending_error = error;
-}
-
 void clear_read_script() {
     scripted_fd = -1;
     pending_limits.clear();
-    pending_error = 0;
 }
 
 } // namespace orvo_test
@@ -38,16 +30,9 @@ void clear_read_script() {
 extern "C" ssize_t recv(int fd, void* buffer, size_t count, int flags) {
     using Recv = ssize_t (*)(int, void*, size_t, int);
     static const auto next = reinterpret_cast<Recv>(dlsym(RTLD_NEXT, "recv"));
-    if (fd == orvo_test::scripted_fd) {
-        if (orvo_test::pending_error != 0) {
-            errno = orvo_test::pending_error;
-            orvo_test::pending_error = 0;
-            return -1;
-        }
-        if (!orvo_test::pending_limits.empty()) {
-            count = std::min(count, orvo_test::pending_limits.front());
-            orvo_test::pending_limits.pop_front();
-        }
+    if (fd == orvo_test::scripted_fd && !orvo_test::pending_limits.empty()) {
+        count = std::min(count, orvo_test::pending_limits.front());
+        orvo_test::pending_limits.pop_front();
     }
     return next(fd, buffer, count, flags);
 }

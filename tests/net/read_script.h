@@ -11,8 +11,6 @@ namespace orvo_test {
 /// arrives in pieces. The test program replaces recv() to do this; every
 /// other descriptor, and `fd` once the limits are used up, reads normally.
 void script_reads(int fd, std::initializer_list<std::size_t> limits);
-/// The next read of `fd` fails with `error` instead of reading.
-void fail_next_read(int fd, int error);
 /// Forgets any remaining limits.
 void clear_read_script();
 

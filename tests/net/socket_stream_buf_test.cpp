@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
 
@@ -30,22 +31,17 @@ struct Sink {
     UDPSocket socket;
 };
 
-/// A sink and a datagram socket connected to it.
+/// A sink and a datagram socket connected to it, both open before the
+/// descriptors are counted.
 class StreamBufTest : public orvo_test::NoDescriptorLeak {
 protected:
     void SetUp() override {
         NoDescriptorLeak::SetUp();
-        sink = std::make_unique<Sink>();
-        socket = std::make_unique<UDPSocket>(Addr(0, loopback), sink->socket.getName());
         orvo_test::bound_waits(socket->getFD());
     }
-    void TearDown() override {
-        socket.reset();
-        sink.reset();
-        NoDescriptorLeak::TearDown();
-    }
-    std::unique_ptr<Sink> sink;
-    std::unique_ptr<UDPSocket> socket;
+    std::unique_ptr<Sink> sink = std::make_unique<Sink>();
+    std::unique_ptr<UDPSocket> socket =
+        std::make_unique<UDPSocket>(Addr(0, loopback), sink->socket.getName());
 };
 
 } // namespace
@@ -93,13 +89,16 @@ TEST_F(StreamBufTest, LoneFfEndsTheStreamAndDoubleFfIsData) {
 }
 
 TEST_F(StreamBufTest, InputEndsOnCloseAndOnReceiveErrors) {
-    orvo_test::TcpPair pair;
-    SocketStreamBuf buffer(pair.client.get(), 16);
+    orvo_test::Listener listener;
+    orvo::net::TCPSocket client(Addr(0, loopback), listener.address());
+    orvo_test::bound_waits(client.getFD());
+    const auto server = listener.accept();
+    SocketStreamBuf buffer(&client, 16);
     std::iostream stream(&buffer);
     stream << "(init)" << std::flush;
-    EXPECT_EQ(orvo_test::read_bytes(*pair.server, 6), "(init)");
-    pair.server->send("(ok)", 4);
-    pair.server->close();
+    EXPECT_EQ(orvo_test::read_bytes(*server, 6), "(init)");
+    server->send("(ok)", 4);
+    server->close();
     std::string text;
     std::getline(stream, text);
     EXPECT_EQ(text, "(ok)");

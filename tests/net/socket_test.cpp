@@ -9,7 +9,6 @@
 #include <sys/resource.h>
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 
 using orvo::net::Addr;

@@ -73,7 +73,8 @@ TEST(LostValues, EachBadValueLosesOnlyItsElement) {
     EXPECT_EQ(numbers, 51);
 }
 
-// The line a real server sent in a game of eleven robots, and what it costs.
+// The line a real server sent in a game of eleven robots, and how the loss is
+// told (that nothing else is lost, the first test shows for every value).
 TEST(LostValues, AFieldLineWithANanEndIsTheOnlyLoss) {
     const std::string message =
         "(time (now 80.12))(GS (t 20.30) (pm PlayOn))(GYR (n torso) (rt 0.01 0.02 0.03))"
@@ -84,12 +85,8 @@ TEST(LostValues, AFieldLineWithANanEndIsTheOnlyLoss) {
     const ReadResult result = reader.read(message, p);
     ASSERT_TRUE(result);
     EXPECT_EQ(result.describe(), "read, 1 element lost (the first: not a number at byte 118)");
-    EXPECT_EQ(p.lost_elements, 1u);
     ASSERT_EQ(p.vision.lines.size(), 1u);
     EXPECT_FLOAT_EQ(p.vision.lines[0].begin.distance, 5.1f);
-    EXPECT_TRUE(p.vision.sees(Landmark::G1R));
-    EXPECT_TRUE(p.has_time && p.has_game_state && p.has_gyroscope);
-    EXPECT_EQ(p.joints.count(), 1u);
 }
 
 // Perceptions a real server sent in a game of eleven robots, each with a

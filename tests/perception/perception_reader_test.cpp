@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <charconv>
-#include <cmath>
 #include <string>
 
 namespace {

@@ -3,9 +3,10 @@
 // whole elements before the cut.
 #include <orvo/perception/perception_reader.h>
 
+#include <support/text.h>
+
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -14,23 +15,9 @@ namespace {
 using namespace orvo::perception;
 using orvo::robot::Joint;
 
-std::vector<std::string> recorded(const char* name) {
-    std::ifstream file(std::string(RECORDED_DIR) + "/" + name);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-const std::vector<std::string>& server() {
-    static const auto lines = recorded("server-messages.txt");
-    return lines;
-}
-const std::vector<std::string>& team() {
-    static const auto lines = recorded("team-messages.txt");
-    return lines;
-}
+// The two recordings, read once for every test.
+const auto server = orvo_test::read_lines(RECORDED_DIR "/server-messages.txt");
+const auto team = orvo_test::read_lines(RECORDED_DIR "/team-messages.txt");
 
 TEST(RecordedMessages, EveryOneReadsWithItsTimeGameStateAndTwentyTwoJoints) {
     struct File {
@@ -38,10 +25,10 @@ TEST(RecordedMessages, EveryOneReadsWithItsTimeGameStateAndTwentyTwoJoints) {
         std::vector<double> times;
     };
     const File files[] = {
-        {server(),
+        {server,
          {4.22, 4.24, 4.26, 4.28, 4.30, 4.32, 4.68, 4.70, 4.72, 5.08, 5.10, 5.12, 5.68, 5.70,
           5.72}},
-        {team(), {0.86, 0.88, 0.90, 0.90, 1.58, 2.10, 2.10, 2.82, 8.54, 23.52, 4.78, 4.74}},
+        {team, {0.86, 0.88, 0.90, 0.90, 1.58, 2.10, 2.10, 2.82, 8.54, 23.52, 4.78, 4.74}},
     };
     PerceptionReader reader;
     Perception perception;
@@ -67,7 +54,7 @@ TEST(RecordedMessages, EveryOneReadsWithItsTimeGameStateAndTwentyTwoJoints) {
 TEST(RecordedMessages, EveryCutFailsAtTheCutOrEndsBetweenElements) {
     PerceptionReader reader;
     Perception perception;
-    for (const auto* file : {&server(), &team()}) {
+    for (const auto* file : {&server, &team}) {
         for (const std::string& message : *file) {
             int depth = 0;
             for (std::size_t cut = 0; cut < message.size(); ++cut) {

@@ -13,8 +13,6 @@
 
 #include <support/loopback.h>
 
-#include <string>
-
 namespace orvo_test {
 
 /// An agent of nothing but joint control, speech and its knowledge base, linked as

@@ -109,19 +109,6 @@ struct Listener {
     orvo::net::TCPSocket socket;
 };
 
-/// Both ends of one loopback TCP connection.
-struct TcpPair {
-    TcpPair()
-        : client(std::make_unique<orvo::net::TCPSocket>(orvo::net::Addr(0, loopback),
-                                                        listener.address())),
-          server(listener.accept()) {
-        bound_waits(client->getFD());
-    }
-    Listener listener;
-    std::unique_ptr<orvo::net::TCPSocket> client;
-    std::unique_ptr<orvo::net::TCPSocket> server;
-};
-
 /// A CommUnit connected to a server the test controls byte by byte.
 class ServedCommUnit : public NoDescriptorLeak {
 protected:
@@ -151,6 +138,16 @@ protected:
     }
 
     int unit_fd() { return unit->get_socket().getFD(); }
+
+    /// The server goes away without a goodbye: the unit's side sees a reset.
+    void reset_connection() {
+        const linger abort_on_close{1, 0};
+        ASSERT_EQ(setsockopt(server->getFD(), SOL_SOCKET, SO_LINGER, &abort_on_close,
+                             sizeof abort_on_close),
+                  0);
+        server.reset();
+        ASSERT_TRUE(readable(unit_fd()));
+    }
 
     std::unique_ptr<Listener> listener;
     std::unique_ptr<orvo::net::CommUnit> unit;

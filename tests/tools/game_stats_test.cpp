@@ -6,9 +6,10 @@
 
 #include <orvo/monitor/play_modes.h>
 
+#include <support/text.h>
+
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -19,52 +20,24 @@ using game_stats::Collector;
 using game_stats::GameStats;
 using orvo::monitor::Side;
 
-std::vector<std::string> read_lines(const char* path) {
-    std::ifstream in(path);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
-}
-
-std::size_t count_of(const std::string& text, const std::string& part) {
-    std::size_t count = 0;
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
-        ++count;
-    }
-    return count;
-}
+using orvo_test::count_of;
 
 /// The sample stream (robots 1 and 2 of the left team, PlayOn, 30 messages
 /// 0.04 s apart) with robot 1's torso moved and headers changed per message.
 class SampleGame : public ::testing::Test {
 protected:
     void SetUp() override {
-        lines = read_lines(MONITOR_SAMPLE);
+        lines = orvo_test::read_lines(MONITOR_SAMPLE);
         ASSERT_EQ(lines.size(), 30u);
-        // The torso of robot 1 is the transform placed at (-5, 2).
-        const std::string& scene = lines[0];
-        const auto at = scene.find("-5 2 0.4 1)");
-        ASSERT_NE(at, std::string::npos);
-        for (auto p = scene.find("(nd"); p < at; p = scene.find("(nd", p + 1)) {
-            ++torso_node;
-        }
     }
 
-    /// Message `i` with robot 1's torso at (x, y), upright or on its back.
+    /// Message `i` with robot 1's torso (the node placed at (-5, 2)) at
+    /// (x, y), upright or on its back.
     std::string torso_at(std::size_t i, double x, double y, bool lying) const {
-        std::string update = lines[i];
-        auto p = update.find("(nd");
-        for (int n = 0; n < torso_node; ++n) {
-            p = update.find("(nd", p + 1);
-        }
-        const std::string matrix = lying ? "0 1 0 0 0 0 1 0 1 0 0 0 " + std::to_string(x) + ' ' +
-                                               std::to_string(y) + " 0.1 1"
-                                         : "1 0 0 0 0 1 0 0 0 0 1 0 " + std::to_string(x) + ' ' +
-                                               std::to_string(y) + " 0.38 1";
-        update.insert(p + 3, "(SLT " + matrix + ")");
-        return update;
+        const std::string at = std::to_string(x) + ' ' + std::to_string(y);
+        return orvo_test::moved(lines[0], lines[i], "-5 2 0.4 1)",
+                                lying ? "0 1 0 0 0 0 1 0 1 0 0 0 " + at + " 0.1 1"
+                                      : "1 0 0 0 0 1 0 0 0 0 1 0 " + at + " 0.38 1");
     }
 
     /// Message `i` with `header` in place of its own.
@@ -73,7 +46,6 @@ protected:
     }
 
     std::vector<std::string> lines;
-    int torso_node = -1; ///< its index among the scene's nodes
 };
 
 TEST_F(SampleGame, RobotsWalkAndFallAsTheirTorsoShows) {
@@ -87,21 +59,13 @@ TEST_F(SampleGame, RobotsWalkAndFallAsTheirTorsoShows) {
         double walked;
         int falls;
     };
+    std::map<std::size_t, Pose> metre;
+    for (std::size_t i = 2; i <= 11; ++i) {
+        metre[i] = {-5 + 0.1 * static_cast<double>(i - 1), 2, false};
+    }
     const Case cases[] = {
         {"standing still", {}, 0, 0},
-        {"a metre in ten steps",
-         {{2, {-4.9, 2, false}},
-          {3, {-4.8, 2, false}},
-          {4, {-4.7, 2, false}},
-          {5, {-4.6, 2, false}},
-          {6, {-4.5, 2, false}},
-          {7, {-4.4, 2, false}},
-          {8, {-4.3, 2, false}},
-          {9, {-4.2, 2, false}},
-          {10, {-4.1, 2, false}},
-          {11, {-4.0, 2, false}}},
-         1.0,
-         0},
+        {"a metre in ten steps", metre, 1.0, 0},
         {"swaying by 2 cm",
          {{2, {-4.98, 2, false}}, {3, {-5.0, 2, false}}, {4, {-4.98, 2, false}}},
          0,

@@ -16,7 +16,6 @@
 #include <cstdio>
 #include <memory>
 #include <set>
-#include <shared_mutex>
 #include <thread>
 #include <vector>
 

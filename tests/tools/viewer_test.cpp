@@ -77,10 +77,8 @@ protected:
 
     void send(const std::string& datagram) { udp.send_to(asio::buffer(datagram), drawings); }
 
-    /// The operation's result (an error is thrown here); every operation is
-    /// bounded by the streams' time limits.
-    template <class T> T finish(std::future<T> result) { return result.get(); }
-    /// The same for an operation that has no time limit of its own.
+    /// The result of an operation that has no time limit of its own (an error
+    /// is thrown here); the streams' operations are bounded by their own limits.
     template <class T> T within(std::future<T> result) {
         if (result.wait_for(5s) != std::future_status::ready) {
             throw std::runtime_error("no answer within 5 s");
@@ -90,15 +88,15 @@ protected:
 
     void open_live() {
         beast::get_lowest_layer(live).expires_after(5s);
-        finish(beast::get_lowest_layer(live).async_connect(http, asio::use_future));
+        beast::get_lowest_layer(live).async_connect(http, asio::use_future).get();
         beast::get_lowest_layer(live).expires_never();
         live.set_option(websocket::stream_base::timeout{5s, 5s, false});
-        finish(live.async_handshake("127.0.0.1", "/live", asio::use_future));
+        live.async_handshake("127.0.0.1", "/live", asio::use_future).get();
     }
 
     std::string next_picture() {
         beast::flat_buffer buffer;
-        finish(live.async_read(buffer, asio::use_future));
+        live.async_read(buffer, asio::use_future).get();
         return beast::buffers_to_string(buffer.data());
     }
 
@@ -190,10 +188,7 @@ protected:
         acceptor.bind({asio::ip::address_v4::loopback(), 0});
         acceptor.listen();
         start({"--monitor", "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port())});
-        std::ifstream in(MONITOR_SAMPLE);
-        for (std::string line; std::getline(in, line);) {
-            sample.push_back(line);
-        }
+        sample = orvo_test::read_lines(MONITOR_SAMPLE);
     }
 
     /// Waits for the viewer's connection and sends it `messages`, each as a frame.

@@ -27,14 +27,7 @@ TEST(WalkOnRealServer, WalksForwardWithoutFalling) {
     const auto run = [&](double seconds) {
         for (int i = 0; i < seconds * cycles_per_second; ++i) {
             walker.update(trial.perception());
-            std::string command;
-            for (std::size_t j = 0; j < orvo::robot::joint_count; ++j) {
-                if (walker.joints().test(j)) {
-                    command += "(" + std::string(orvo::robot::joint_table()[j].effector) + " " +
-                               std::to_string(walker.speeds()[j]) + ")";
-                }
-            }
-            trial.step(command);
+            trial.step(orvo::drill::joint_command(walker.joints(), walker.speeds()));
         }
         trial.catch_up();
     };

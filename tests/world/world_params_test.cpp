@@ -3,10 +3,10 @@
 
 #include <orvo/world/world_params.h>
 
-#include <fstream>
 #include <string>
 
 #include "support/scratch_dir.h"
+#include "support/text.h"
 
 namespace {
 
@@ -32,16 +32,14 @@ const FaultCase fault_cases[] = {
 class Faulty : public testing::TestWithParam<FaultCase> {};
 
 TEST_P(Faulty, FileIsRefusedWithTheReason) {
-    std::ifstream in(std::string(WORLD_PARAMS) + "/type0.json");
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::string text = orvo_test::read_text(std::string(WORLD_PARAMS) + "/type0.json");
     const auto at = text.find(GetParam().edit_from);
     ASSERT_NE(at, std::string::npos);
     text.replace(at, std::string(GetParam().edit_from).size(), GetParam().edit_to);
     orvo_test::ScratchDir dir;
-    const std::string path = "type0.json";
-    std::ofstream(path) << text;
+    dir.write("type0.json", text);
     try {
-        orvo::world::WorldParams::load(path);
+        orvo::world::WorldParams::load("type0.json");
         FAIL() << "accepted";
     } catch (const orvo::world::WorldParamsError& e) {
         EXPECT_NE(std::string(e.what()).find(GetParam().message), std::string::npos) << e.what();
