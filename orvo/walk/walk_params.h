@@ -109,7 +109,9 @@ struct ORVO_API WalkParams {
     /// turning: shorter, lower steps and a torso leaning into the walk. From
     /// fast_from m/s forward up to max_forward these values take over from
     /// step_time, step_height, lean, hip_height, foot_x and landing_match in
-    /// proportion, so that the slow walk, sideways and turning keep theirs.
+    /// proportion, so that the slow walk, sideways and turning keep theirs;
+    /// so do the fast gyroscope, foot placement, contact and arm swing gains
+    /// for theirs.
     double fast_from = 0;
     double fast_step_time = 0;
     double fast_step_height = 0;
@@ -117,6 +119,10 @@ struct ORVO_API WalkParams {
     double fast_hip_height = 0;
     double fast_foot_x = 0;
     double fast_landing_match = 0;
+    double fast_gyro_ankle_pitch = 0;
+    double fast_place_pitch = 0;
+    double fast_switch_phase = 0;
+    double fast_arm_swing = 0;
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.
     static WalkParams from(const ParamSet& set);

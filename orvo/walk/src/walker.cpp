@@ -145,7 +145,7 @@ void Walker::step_on(const perception::Perception& perception) {
     const perception::FootForce& swing =
         perception[gait_.support() == Side::left ? perception::Foot::right
                                                  : perception::Foot::left];
-    if (!done && gait_.phase() >= params_.switch_phase && swing.touches &&
+    if (!done && gait_.phase() >= now_.switch_phase && swing.touches &&
         swing.force.z > params_.contact_force) {
         gait_.finish();
         done = true;
@@ -231,7 +231,7 @@ void Walker::place_swing_foot() {
     const double right = tilt_.roll + gyro_.x() * params_.place_rate;
     const double most = params_.place_max;
     const double turning = params_.turn_share(velocity_.turn);
-    const double pitch_gain = params_.place_pitch + params_.place_turn_pitch * turning;
+    const double pitch_gain = now_.place_pitch + params_.place_turn_pitch * turning;
     const double beyond = std::max(0.0, std::fabs(forward) - params_.place_tip);
     const double catching = std::copysign(params_.place_tip_pitch * beyond, forward);
     gait_.place(std::clamp(pitch_gain * forward + catching, -most, most),
@@ -256,9 +256,9 @@ void Walker::pose_joints() {
     // Each arm swings against its leg, which takes up some of the turn that
     // the swinging leg gives the body.
     targets_[index(Joint::left_shoulder_pitch)] =
-        params_.arm_pitch - params_.arm_swing * gait_.offset(Side::left).x;
+        params_.arm_pitch - now_.arm_swing * gait_.offset(Side::left).x;
     targets_[index(Joint::right_shoulder_pitch)] =
-        params_.arm_pitch - params_.arm_swing * gait_.offset(Side::right).x;
+        params_.arm_pitch - now_.arm_swing * gait_.offset(Side::right).x;
     targets_[index(Joint::left_shoulder_roll)] = params_.arm_roll;
     targets_[index(Joint::right_shoulder_roll)] = -params_.arm_roll;
     // The rates feed the planned motion forward; the sensors' corrections
@@ -270,7 +270,7 @@ void Walker::pose_joints() {
     previous_targets_ = targets_;
     has_previous_ = true;
     for (Joint joint : {Joint::left_ankle_pitch, Joint::right_ankle_pitch}) {
-        targets_[index(joint)] += params_.gyro_ankle_pitch * gyro_.y();
+        targets_[index(joint)] += now_.gyro_ankle_pitch * gyro_.y();
     }
     for (Joint joint : {Joint::left_ankle_roll, Joint::right_ankle_roll}) {
         targets_[index(joint)] += params_.gyro_ankle_roll * gyro_.x();
