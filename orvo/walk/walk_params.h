@@ -108,10 +108,8 @@ struct ORVO_API WalkParams {
     /// Walking fast forward asks for another gait than stepping aside or
     /// turning: shorter, lower steps and a torso leaning into the walk. From
     /// fast_from m/s forward up to max_forward these values take over from
-    /// step_time, step_height, lean, hip_height, foot_x and landing_match in
-    /// proportion, so that the slow walk, sideways and turning keep theirs;
-    /// so do the fast gyroscope, foot placement, contact and arm swing gains
-    /// for theirs.
+    /// their slow namesakes (step_time ... arm_swing) in proportion, so that
+    /// the slow walk, sideways and turning keep theirs.
     double fast_from = 0;
     double fast_step_time = 0;
     double fast_step_height = 0;

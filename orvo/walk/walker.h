@@ -73,8 +73,6 @@ public:
     /// The gyroscope's last reading, deg/s about forward, left and up.
     const Eigen::Vector3d& rates() const { return gyro_; }
     const WalkParams& params() const { return params_; }
-    /// The parameters in use now: params() with the fast gait blended in.
-    const WalkParams& params_now() const { return now_; }
 
 private:
     void steer_to_spot();
