@@ -84,11 +84,11 @@ void trace(const Trial& trial, const kick::Kicker& kicker) {
     std::fprintf(stderr, "feet %.3f %.3f %.3f  %.3f %.3f %.3f\n", feet[0], feet[1], feet[2],
                  feet[3], feet[4], feet[5]);
     std::fprintf(stderr,
-                 "t %.2f pose %.3f %.3f %.1f tilt %.1f ball %.3f %.3f | %s odo %.3f %.3f %.1f "
-                 "ball %.3f %.3f stand %.3f %.3f %.1f\n",
+                 "t %.2f pose %.3f %.3f %.1f tilt %.1f ball %.3f %.3f %.3f | %s odo %.3f %.3f "
+                 "%.1f ball %.3f %.3f stand %.3f %.3f %.1f\n",
                  trial.game_time(), pose.x, pose.y, pose.heading, trial.tilt(), ball_of(trial).x,
-                 ball_of(trial).y, kick::phase_name(kicker.phase()), robot.x, robot.y,
-                 robot.heading, ball.x, ball.y, stand.x, stand.y, stand.heading);
+                 ball_of(trial).y, trial.monitor_truth().ball[2], kick::phase_name(kicker.phase()),
+                 robot.x, robot.y, robot.heading, ball.x, ball.y, stand.x, stand.y, stand.heading);
 }
 
 /// Steps until the ball rests (or long enough), the robot standing.
@@ -225,10 +225,17 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
     AtKick at;
+    double rise = 0;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
         if (!at.ball && kicker.phase() == kick::KickPhase::kick) {
             at = at_kick(trial, kicker, start);
+        }
+        if (at.ball) {
+            // Every cycle from the kick on: a ball in the air for a few
+            // tenths of a second would slip between the monitor's batches.
+            trial.catch_up();
+            rise = std::max(rise, trial.monitor_truth().ball[2] - ball_radius);
         }
     }
     trial.catch_up();
@@ -242,6 +249,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
     result["ball_at_kick"] = at.truth;
     result["ball_believed_at_kick"] = at.believed;
+    result["ball_rise_m"] = rise;
     return result;
 }
 
