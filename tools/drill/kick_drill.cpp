@@ -171,7 +171,17 @@ struct AtKick {
     std::optional<Ball> ball;
     nlohmann::json truth;
     nlohmann::json believed;
+    double rise = 0; ///< highest the ball's underside rose since the kick began
 };
+
+/// Every cycle from the kick on: a ball in the air for a few tenths of a
+/// second would slip between the monitor's batches.
+void watch_rise(Trial& trial, AtKick& at) {
+    if (at.ball) {
+        trial.catch_up();
+        at.rise = std::max(at.rise, trial.monitor_truth().ball[2] - ball_radius);
+    }
+}
 
 AtKick at_kick(Trial& trial, const kick::Kicker& kicker, const FieldPose& start) {
     trial.catch_up();
@@ -225,18 +235,12 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     const double start_time = trial.game_time();
     kicker.start(kick.direction);
     AtKick at;
-    double rise = 0;
     while (!kicker.finished() && trial.game_time() - start_time < options.seconds) {
         cycle();
         if (!at.ball && kicker.phase() == kick::KickPhase::kick) {
             at = at_kick(trial, kicker, start);
         }
-        if (at.ball) {
-            // Every cycle from the kick on: a ball in the air for a few
-            // tenths of a second would slip between the monitor's batches.
-            trial.catch_up();
-            rise = std::max(rise, trial.monitor_truth().ball[2] - ball_radius);
-        }
+        watch_rise(trial, at);
     }
     trial.catch_up();
     const double seconds = trial.game_time() - start_time;
@@ -249,7 +253,7 @@ nlohmann::json kick_run(const DrillOptions& options, const KickOptions& kick,
     result["foot"] = kicker.kicking() == walk::Side::left ? "left" : "right";
     result["ball_at_kick"] = at.truth;
     result["ball_believed_at_kick"] = at.believed;
-    result["ball_rise_m"] = rise;
+    result["ball_rise_m"] = at.rise;
     return result;
 }
 
