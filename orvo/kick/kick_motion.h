@@ -45,9 +45,12 @@ public:
     /// `stand`: the walk's stance; `hip_width`: each hip joint beside the
     /// hips' middle; `closer`: the drawn-back foot that much further forward
     /// (toward a ball lying further than planned), the swing shortened in
-    /// time as in length so that the joints keep their speed.
+    /// time as in length so that the joints keep their speed; `reach`: the
+    /// hips move that much forward over the support foot (back when
+    /// negative) and carry the whole swing with them, unchanged in the
+    /// joints, to a ball lying off the place the swing meets best.
     KickMotion(const KickParams& params, const walk::WalkParams& stand, double hip_width,
-               walk::Side kicking, double closer = 0);
+               walk::Side kicking, double closer = 0, double reach = 0);
 
     walk::Side kicking() const { return kicking_; }
     double duration() const;
@@ -72,6 +75,7 @@ private:
         double lunge = 0;
         double arms = 0;  ///< share of the arms' swing
         double twist = 0; ///< share of the hip's twist
+        double carry = 0; ///< share of the hips' reach the kicking sole moves with
     };
     KickPose pose(const Key& key) const;
 
@@ -79,6 +83,7 @@ private:
     walk::WalkParams stand_;
     double hip_width_;
     walk::Side kicking_;
+    double reach_;
     std::array<Key, key_count> keys_;
     std::array<double, key_count - 1> times_;
 };

@@ -58,6 +58,13 @@ struct ORVO_API KickParams {
     /// `kick_tolerance_x`) by which the drawn-back foot comes closer to it:
     /// the foot then meets the ball at the same point of its swing.
     double follow_ball = 0;
+    /// Share of how far the ball lies off `reach_center` (seen ahead of the
+    /// hips, m) by which the hips move toward it over the support foot before
+    /// the swing, carrying the swing with them; at most `reach_max` (m).
+    double reach_ball = 0;
+    double reach_center = 0;
+    double reach_max = 0;
+    double reach_hips = 0;  ///< share of that reach made by the hips, the rest by the leg
     double swing_x = 0;     ///< kicking sole ahead of its stand place at the end of the swing
     double swing_z = 0;     ///< and above the ground
     double swing_pitch = 0; ///< toes down during the swing (ankle, degrees)

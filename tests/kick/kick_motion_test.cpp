@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -41,10 +42,12 @@ TEST(KickMotion, EveryTypeReachesEveryPoseAndKeepsItsFeetApart) {
         const auto model = orvo::body::BodyModel::for_type(type);
         const auto walk = orvo::walk::WalkParams::from(load("walk", type));
         const auto kick = orvo::kick::KickParams::from(load("kick", type));
-        for (Side side : {Side::left, Side::right}) {
+        // A kick that reaches for the ball does so up to its limit either way.
+        const double most = kick.reach_ball > 0 ? kick.reach_max : 0;
+        for (auto [side, reach] : {std::pair{Side::left, -most}, std::pair{Side::right, most}}) {
             SCOPED_TRACE(testing::Message()
                          << "type " << type << (side == Side::left ? " left" : " right"));
-            const KickMotion motion(kick, walk, model.hip_width(), side);
+            const KickMotion motion(kick, walk, model.hip_width(), side, 0, reach);
             orvo::robot::JointValues angles{};
             ASSERT_TRUE(orvo::kick::pose_legs(model, motion.at(0), side, angles));
             const Feet stand = feet(model, angles);
@@ -108,6 +111,35 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
         EXPECT_NEAR(angles[orvo::robot::index(orvo::robot::Joint::left_hip_yaw_pitch)],
                     t < retracted + kick.lower_time ? -20 : 0, 1e-9)
             << t;
+    }
+}
+
+TEST(KickMotion, ReachingCarriesTheSwingTowardTheBall) {
+    const auto model = orvo::body::BodyModel::for_type(1);
+    const auto walk = orvo::walk::WalkParams::from(load("walk", 1));
+    auto set = load("kick", 1);
+    constexpr double reach = 0.02;
+    // The lifted foot's place from the support foot (which stays on the
+    // ground), forward; the body frame's y is forward.
+    auto ahead = [&](const KickMotion& motion, double t) {
+        orvo::robot::JointValues angles{};
+        orvo::kick::pose_legs(model, motion.at(t), Side::right, angles);
+        const Feet now = feet(model, angles);
+        return now.right.y() - now.left.y();
+    };
+    for (double hips : {0.0, 1.0}) {
+        SCOPED_TRACE(hips);
+        set.set("reach_hips", hips);
+        const auto kick = orvo::kick::KickParams::from(set);
+        const KickMotion still(kick, walk, model.hip_width(), Side::right);
+        const KickMotion reaching(kick, walk, model.hip_width(), Side::right, 0, reach);
+        // Over the support foot the kicking foot has not moved on the ground;
+        // drawn back and swung through, it is `reach` further on.
+        EXPECT_NEAR(ahead(reaching, kick.shift_time), ahead(still, kick.shift_time), 1e-6);
+        for (double t : {reaching.swing_begins(), reaching.swing_ends()}) {
+            EXPECT_NEAR(ahead(reaching, t) - ahead(still, t), reach, 1e-3) << t;
+        }
+        EXPECT_NEAR(ahead(reaching, reaching.duration()), ahead(still, still.duration()), 1e-6);
     }
 }
 

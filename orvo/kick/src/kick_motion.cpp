@@ -21,23 +21,23 @@ double mix(double from, double to, double share) {
 } // namespace
 
 KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, double hip_width,
-                       walk::Side kicking, double closer)
-    : params_(params), stand_(stand), hip_width_(hip_width), kicking_(kicking) {
+                       walk::Side kicking, double closer, double reach)
+    : params_(params), stand_(stand), hip_width_(hip_width), kicking_(kicking), reach_(reach) {
     const KickParams& p = params;
     const double length = p.swing_x + p.back_x;
     const double swing_time =
         length > 0 ? p.swing_time * std::max(length - closer, 0.0) / length : p.swing_time;
     keys_ = {{
-        {0, 0, 0, 0, 0, 0, 0, 0},                                         // the walk's stand
-        {0, 0, 0, 1, 0, 0, 0, 0},                                         // over the support foot
-        {closer - p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0, 0}, // drawn back
-        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1, 1}, // swung through
+        {0, 0, 0, 0, 0, 0, 0, 0, 0}, // the walk's stand
+        {0, 0, 0, 1, 0, 0, 0, 0, 0}, // over the support foot
+        {closer - p.back_x, p.lift_z, p.out_y, 1, p.back_pitch, 0, 0, 0, 1}, // drawn back
+        {p.swing_x, p.swing_z, p.out_y, 1, p.swing_pitch, p.lunge, 1, 1, 1}, // swung through
         // The twist stays while the leg draws back and unwinds as it sets
         // down: turned back at once, the leg spun the robot on its support
         // foot and it toppled.
-        {0, p.lift_z, p.out_y, 1, 0, 0, 1, 1}, // drawn back under the hips
-        {0, 0, 0, 1, 0, 0, 0, 0},              // set down
-        {0, 0, 0, 0, 0, 0, 0, 0},              // back in the stand
+        {0, p.lift_z, p.out_y, 1, 0, 0, 1, 1, 1}, // drawn back under the hips
+        {0, 0, 0, 1, 0, 0, 0, 0, 0},              // set down where it stood
+        {0, 0, 0, 0, 0, 0, 0, 0, 0},              // back in the stand
     }};
     times_ = {p.shift_time, p.lift_time, swing_time, p.retract_time, p.lower_time, p.unshift_time};
 }
@@ -70,7 +70,7 @@ KickPose KickMotion::at(double seconds) const {
     const Key& b = keys_[phase + 1];
     return pose({mix(a.x, b.x, s), mix(a.z, b.z, s), mix(a.out, b.out, s), mix(a.shift, b.shift, s),
                  mix(a.toe_down, b.toe_down, s), mix(a.lunge, b.lunge, s), mix(a.arms, b.arms, s),
-                 mix(a.twist, b.twist, s)});
+                 mix(a.twist, b.twist, s), mix(a.carry, b.carry, s)});
 }
 
 KickPose KickMotion::pose(const Key& key) const {
@@ -83,10 +83,15 @@ KickPose KickMotion::pose(const Key& key) const {
     KickPose pose;
     walk::SoleTarget& kick = kicking_ == walk::Side::left ? pose.left : pose.right;
     walk::SoleTarget& support = kicking_ == walk::Side::left ? pose.right : pose.left;
-    kick.position = {stand_.foot_x + key.x, k * (line + key.out) + shift, key.z - height};
+    // The lifted kicking sole reaches toward the ball, part of the way
+    // carried by the hips as they move over the support foot (which costs
+    // balance); on the ground it stays where it stood.
+    const double reach = params_.reach_hips * reach_ * key.shift;
+    kick.position = {stand_.foot_x + key.x + reach_ * key.carry - reach,
+                     k * (line + key.out) + shift, key.z - height};
     // The hips lunge forward over the support foot as the kicking leg swings,
     // and carry it with them.
-    support.position = {stand_.foot_x - key.lunge, -k * line + shift, -height};
+    support.position = {stand_.foot_x - key.lunge - reach, -k * line + shift, -height};
     pose.attitude.pitch = mix(stand_.lean, params_.lean, key.shift);
     pose.attitude.roll = -k * params_.support_roll * key.shift;
     pose.toe_down = key.toe_down;

@@ -38,6 +38,10 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(back_pitch);
     ORVO_KICK_PARAM(swing_time);
     ORVO_KICK_PARAM(follow_ball);
+    ORVO_KICK_PARAM(reach_ball);
+    ORVO_KICK_PARAM(reach_center);
+    ORVO_KICK_PARAM(reach_max);
+    ORVO_KICK_PARAM(reach_hips);
     ORVO_KICK_PARAM(swing_x);
     ORVO_KICK_PARAM(swing_z);
     ORVO_KICK_PARAM(swing_pitch);

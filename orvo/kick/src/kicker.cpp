@@ -156,8 +156,12 @@ void Kicker::settle() {
     // drawn-back foot comes closer to it, so that it still meets the ball at
     // the speed it has early in the swing.
     const double further = std::clamp(off.x, 0.0, params_.kick_tolerance_x);
+    // A ball off the place the swing meets best draws the hips toward it.
+    const double off_center = relative(robot(), *ball_).x - params_.reach_center;
+    const double reach =
+        std::clamp(params_.reach_ball * off_center, -params_.reach_max, params_.reach_max);
     motion_.emplace(params_, walker_.params(), model_.hip_width(), side_,
-                    params_.follow_ball * further);
+                    params_.follow_ball * further, reach);
     phase_ = KickPhase::kick;
     since_ = clock_;
 }
