@@ -11,9 +11,10 @@ namespace orvo::fall {
 /// heights in metres (torso centre above the lower sole), times in seconds.
 struct ORVO_API FallParams {
     // The up-axis estimate: the gyroscope turns it, the accelerometer pulls
-    // it towards gravity when it reads about g.
-    double accel_weight = 0;    ///< share of the accelerometer's direction taken per cycle
-    double accel_tolerance = 0; ///< m/s² from g within which the accelerometer is trusted
+    // it towards gravity when it reads about g and the torso hardly turns.
+    double accel_weight = 0;     ///< share of the accelerometer's direction taken per cycle
+    double accel_tolerance = 0;  ///< m/s² from g within which the accelerometer is trusted
+    double accel_still_rate = 0; ///< deg/s the gyroscope may read for it to be trusted
     // Falling: tilted beyond falling_tilt and still tilting away fast.
     double falling_tilt = 0;
     double falling_rate = 0; ///< deg/s away from vertical

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using orvo::fall::Posture;
@@ -77,6 +79,27 @@ TEST(FallDetector, NeitherTurningNorSwayingIsAFall) {
         const float sway = (i / 25) % 2 == 0 ? 20.0f : -20.0f;
         EXPECT_EQ(d.update(sense(i * cycle, {0.5, 0.5, g}, {sway, sway, 90})), Posture::upright);
     }
+}
+
+TEST(FallDetector, BelievesReadingsOfGOnlyWhileTheTorsoHardlyTurns) {
+    // A fast walk rocks the torso back and forth at 100 deg/s, and in
+    // mid-step its accelerometer reads about g far from the vertical (here
+    // 60 degrees forward): believed, those readings alone would lay it down.
+    auto d = detector();
+    const float s = std::sin(1.047f) * static_cast<float>(g);
+    const float c = std::cos(1.047f) * static_cast<float>(g);
+    d.update(sense(0, {0, 0, g}));
+    for (int i = 1; i < 1500; ++i) {
+        const float rock = (i + 5) / 10 % 2 == 0 ? 100.0f : -100.0f;
+        d.update(sense(i * cycle, {0, -s, c}, {rock, 0, 0}));
+        ASSERT_EQ(d.posture(), Posture::upright) << i;
+    }
+    EXPECT_LT(d.tilt_deg(), 15);
+    // Still, the same reading is believed.
+    for (int i = 1500; i < 1700; ++i) {
+        d.update(sense(i * cycle, {0, -s, c}));
+    }
+    EXPECT_EQ(d.posture(), Posture::fallen_front);
 }
 
 TEST(FallDetector, CrouchingLowCountsAsFallen) {

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <fstream>
 #include <iostream>
+#include <limits>
 #include <memory>
 
 namespace orvo::drill {
@@ -78,11 +79,18 @@ struct Cycle {
     FallWatch& watch;
     const GetUpOptions& getup;
     std::ofstream record;
+    /// Tells when the drop lets go: a detector that believes every reading of
+    /// about g. The moment the drop lets go shapes how the robot lands, and
+    /// the get-ups were measured and tuned with it letting go then; the fall
+    /// detector itself believes such readings only while the torso hardly
+    /// turns, and sees a fall sooner.
+    fall::FallDetector landing;
 
     void operator()(const std::string& command) {
         trial.step(command);
         trial.catch_up();
         watch.update(trial);
+        landing.update(trial.perception());
         if (record.is_open()) {
             record << "truth " << trial.game_time() << ' ' << trial.tilt() << ' ' << trial.height()
                    << "\nperceive " << without_vision(trial.payload()) << '\n';
@@ -128,7 +136,8 @@ void stand_and_walk(Cycle& cycle, walk::Walker& walker, double walk_seconds) {
     }
 }
 
-/// Lets the robot fall by its own joints until its detector says it lies.
+/// Lets the robot fall by its own joints until it lies, as the cycle's
+/// landing detector sees it.
 void drop(Cycle& cycle, const params::ParamSet& set, const std::string& from, int type) {
     skills::MotionPlayer player;
     // One drop tips the robot onto its left side, and played mirrored onto its right.
@@ -137,8 +146,7 @@ void drop(Cycle& cycle, const params::ParamSet& set, const std::string& from, in
         getup::motion_from(set, side ? "drop_side" : "drop_" + from, from == "right")));
     skills::JointController controller;
     robot::JointValues speeds{};
-    for (int i = 0;
-         i < drop_seconds * cycles_per_second && !fall::lying(cycle.watch.detector().posture());
+    for (int i = 0; i < drop_seconds * cycles_per_second && !fall::lying(cycle.landing.posture());
          ++i) {
         robot::JointValues angles{};
         for (std::size_t j = 0; j < robot::joint_count; ++j) {
@@ -207,7 +215,13 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
                          int run) {
     Trial trial(options, start_spot);
     FallWatch watch(options.type);
-    Cycle cycle{trial, watch, getup, {}};
+    fall::FallParams landing = fall::FallParams::for_type(options.type);
+    landing.accel_still_rate = std::numeric_limits<double>::infinity();
+    Cycle cycle{trial,
+                watch,
+                getup,
+                {},
+                fall::FallDetector(body::BodyModel::for_type(options.type), landing)};
     if (!getup.record.empty()) {
         cycle.record.open(getup.record + (options.runs > 1 ? "." + std::to_string(run) : ""));
         cycle.record << "# type " << options.type << ", from " << getup.from << "\n";

@@ -102,7 +102,17 @@ void FallDetector::track_up(const perception::Perception& perception, double dt)
         const Eigen::Vector3d felt(perception.accelerometer.x, perception.accelerometer.y,
                                    perception.accelerometer.z);
         const double size = felt.norm();
-        if (std::fabs(size - gravity) <= params_.accel_tolerance && size > 0) {
+        // A turning torso's readings of about g are no guide to where up is:
+        // a walking torso reads g in mid-step, tilted by the step's push, and
+        // trusting those readings drifted the estimate 20 to 50 degrees over
+        // a few seconds of a fast walk. Still, they are.
+        const double turning = perception.has_gyroscope
+                                   ? Eigen::Vector3d(perception.gyroscope.x, perception.gyroscope.y,
+                                                     perception.gyroscope.z)
+                                         .norm()
+                                   : 0;
+        if (std::fabs(size - gravity) <= params_.accel_tolerance && size > 0 &&
+            (!started_ || turning <= params_.accel_still_rate)) {
             // Without a gyroscope history the reading is all there is.
             const double weight = started_ ? params_.accel_weight : 1.0;
             up_ += weight * (felt / size - up_);

@@ -8,6 +8,7 @@ FallParams FallParams::from(const params::ParamSet& set) {
     FallParams params;
     ORVO_FALL_PARAM(accel_weight);
     ORVO_FALL_PARAM(accel_tolerance);
+    ORVO_FALL_PARAM(accel_still_rate);
     ORVO_FALL_PARAM(falling_tilt);
     ORVO_FALL_PARAM(falling_rate);
     ORVO_FALL_PARAM(rate_filter);

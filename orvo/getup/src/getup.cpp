@@ -4,6 +4,7 @@
 #include <orvo/protocol/constants.h>
 
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace orvo::getup {
@@ -15,6 +16,15 @@ skills::JointController::Gains gains_of(const params::ParamSet& set) {
     gains.proportional = set["joint_p"];
     gains.derivative = set["joint_d"];
     return gains;
+}
+
+/// The get-up's own sense of where up is trusts every reading of about g, as
+/// when its motions and their holds were measured: they swing the torso too
+/// fast for a still torso's readings to come often.
+fall::FallParams senses_of(int type) {
+    fall::FallParams params = fall::FallParams::for_type(type);
+    params.accel_still_rate = std::numeric_limits<double>::infinity();
+    return params;
 }
 
 } // namespace
@@ -29,7 +39,7 @@ fall::Posture lying_side(const perception::Perception& perception) {
 
 GetUp::GetUp(int type, const params::ParamSet& params)
     : params_(params), own_joints_(robot::joints_of(type)), controller_(gains_of(params)),
-      senses_(body::BodyModel::for_type(type), fall::FallParams::for_type(type)) {
+      senses_(body::BodyModel::for_type(type), senses_of(type)) {
     // Every motion and setting is read once here, so that a broken file fails
     // at once rather than on the field.
     for (const char* name : {"lie", "front", "back", "side"}) {
