@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <random>
 
 namespace orvo::drill {
@@ -32,6 +33,9 @@ constexpr double stand_seconds = 1;
 constexpr double schedule_seconds = 2;
 /// The torso's path is kept every this many cycles.
 constexpr int path_cycles = 10;
+/// A walk from the stand has reached its pace by then: the speed from here
+/// on is its steady one.
+constexpr double steady_after_seconds = 3;
 
 struct WalkOptions {
     walk::Velocity velocity;
@@ -125,9 +129,34 @@ struct Cycle {
         falls.update(trial);
         if (trace) {
             drill::trace(trial, walker);
+            const fall::FallDetector& detector = falls.detector();
+            if (detector.posture() != fall::Posture::upright) {
+                std::fprintf(stderr, "detector %s tilt %.1f rate %.0f height %.3f\n",
+                             std::string(fall::posture_name(detector.posture())).c_str(),
+                             detector.tilt_deg(), detector.tilt_rate(), detector.height());
+            }
         }
     }
 };
+
+/// Where the robot was, from its start, and when.
+struct Passed {
+    FieldPose moved;
+    double time = 0;
+};
+
+/// The speeds from the start (`moved` by `now`) and, past `steady`, the
+/// forward speed from there on, along the heading at the start.
+void add_speeds(nlohmann::json& result, const FieldPose& moved, double start_time,
+                const std::optional<Passed>& steady, double now) {
+    const double elapsed = std::max(now - start_time, robot::cycle_seconds);
+    result["forward_mps"] = moved.x / elapsed;
+    if (steady && now > steady->time) {
+        result["steady_mps"] = (moved.x - steady->moved.x) / (now - steady->time);
+    }
+    result["sideways_mps"] = moved.y / elapsed;
+    result["turn_dps"] = moved.heading / elapsed;
+}
 
 nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
                         const walk::WalkParams& params, int run, std::mt19937& random) {
@@ -152,7 +181,11 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
     }
     const int cycles = static_cast<int>(std::lround(options.seconds * cycles_per_second));
     nlohmann::json path = nlohmann::json::array();
+    std::optional<Passed> steady;
     for (int i = 0; i < cycles; ++i) {
+        if (i == static_cast<int>(steady_after_seconds * cycles_per_second) && trial.pose()) {
+            steady = Passed{relative_to(start, *trial.pose()), trial.game_time()};
+        }
         if (walk.paths && i % path_cycles == 0 && trial.pose()) {
             path.push_back({trial.pose()->x, trial.pose()->y});
         }
@@ -168,13 +201,10 @@ nlohmann::json walk_run(const DrillOptions& options, const WalkOptions& walk,
     trial.catch_up();
     const FieldPose end = *trial.pose();
     nlohmann::json result = trial.record("walk", options, run, start_time);
-    const double elapsed = std::max(trial.game_time() - start_time, robot::cycle_seconds);
     const FieldPose moved = relative_to(start, end);
     result["start"] = pose_json(start);
     result["end"] = pose_json(end);
-    result["forward_mps"] = moved.x / elapsed;
-    result["sideways_mps"] = moved.y / elapsed;
-    result["turn_dps"] = moved.heading / elapsed;
+    add_speeds(result, moved, start_time, steady, trial.game_time());
     result["agent_us_median"] = median(cycle.agent_us);
     // Each time the robot's fall detector said it fell when the monitor saw no fall.
     result["false_alarms"] = cycle.falls.false_alarms();
@@ -237,8 +267,8 @@ int run_walk(Arguments& arguments) {
                   << '\n';
         summary.add(walk_run(options, walk, params, run, random));
     }
-    summary.print(std::cerr, {"forward_mps", "sideways_mps", "turn_dps", "falls", "false_alarms",
-                              "miss_m", "agent_us_median"});
+    summary.print(std::cerr, {"forward_mps", "steady_mps", "sideways_mps", "turn_dps", "falls",
+                              "false_alarms", "miss_m", "agent_us_median"});
     return 0;
 }
 
