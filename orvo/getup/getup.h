@@ -115,6 +115,12 @@ private:
 /// push up): the axis of the torso nearest to up.
 ORVO_API fall::Posture lying_side(const perception::Perception& perception);
 
+/// The get-up's own sense of where up is: robot `type`'s fall detector
+/// settings, but believing every reading of about g, as when the get-ups and
+/// their holds were measured (they swing the torso too fast for a still
+/// torso's readings to come often).
+ORVO_API fall::FallParams senses_params(int type);
+
 } // namespace orvo::getup
 
 #endif

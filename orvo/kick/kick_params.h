@@ -59,8 +59,8 @@ struct ORVO_API KickParams {
     /// the foot then meets the ball at the same point of its swing.
     double follow_ball = 0;
     /// Share of how far the ball lies off `reach_center` (seen ahead of the
-    /// hips, m) by which the hips move toward it over the support foot before
-    /// the swing, carrying the swing with them; at most `reach_max` (m).
+    /// hips, m) by which the swing moves toward it, carried by the hips over
+    /// the support foot (`reach_hips` of it) and the leg; at most `reach_max` (m).
     double reach_ball = 0;
     double reach_center = 0;
     double reach_max = 0;

@@ -14,7 +14,6 @@
 #include <cmath>
 #include <fstream>
 #include <iostream>
-#include <limits>
 #include <memory>
 
 namespace orvo::drill {
@@ -79,11 +78,11 @@ struct Cycle {
     FallWatch& watch;
     const GetUpOptions& getup;
     std::ofstream record;
-    /// Tells when the drop lets go: a detector that believes every reading of
-    /// about g. The moment the drop lets go shapes how the robot lands, and
-    /// the get-ups were measured and tuned with it letting go then; the fall
-    /// detector itself believes such readings only while the torso hardly
-    /// turns, and sees a fall sooner.
+    /// Tells when the drop lets go: a detector with the get-up's own sense of
+    /// up, which believes every reading of about g. The moment the drop lets
+    /// go shapes how the robot lands, and the get-ups were measured and tuned
+    /// with it letting go then; the fall detector itself believes such
+    /// readings only while the torso hardly turns, and sees a fall sooner.
     fall::FallDetector landing;
 
     void operator()(const std::string& command) {
@@ -215,13 +214,12 @@ nlohmann::json getup_run(const DrillOptions& options, const GetUpOptions& getup,
                          int run) {
     Trial trial(options, start_spot);
     FallWatch watch(options.type);
-    fall::FallParams landing = fall::FallParams::for_type(options.type);
-    landing.accel_still_rate = std::numeric_limits<double>::infinity();
     Cycle cycle{trial,
                 watch,
                 getup,
                 {},
-                fall::FallDetector(body::BodyModel::for_type(options.type), landing)};
+                fall::FallDetector(body::BodyModel::for_type(options.type),
+                                   getup::senses_params(options.type))};
     if (!getup.record.empty()) {
         cycle.record.open(getup.record + (options.runs > 1 ? "." + std::to_string(run) : ""));
         cycle.record << "# type " << options.type << ", from " << getup.from << "\n";

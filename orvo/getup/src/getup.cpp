@@ -18,16 +18,13 @@ skills::JointController::Gains gains_of(const params::ParamSet& set) {
     return gains;
 }
 
-/// The get-up's own sense of where up is trusts every reading of about g, as
-/// when its motions and their holds were measured: they swing the torso too
-/// fast for a still torso's readings to come often.
-fall::FallParams senses_of(int type) {
+} // namespace
+
+fall::FallParams senses_params(int type) {
     fall::FallParams params = fall::FallParams::for_type(type);
     params.accel_still_rate = std::numeric_limits<double>::infinity();
     return params;
 }
-
-} // namespace
 
 fall::Posture lying_side(const perception::Perception& perception) {
     const auto& up = perception.accelerometer;
@@ -39,7 +36,7 @@ fall::Posture lying_side(const perception::Perception& perception) {
 
 GetUp::GetUp(int type, const params::ParamSet& params)
     : params_(params), own_joints_(robot::joints_of(type)), controller_(gains_of(params)),
-      senses_(body::BodyModel::for_type(type), senses_of(type)) {
+      senses_(body::BodyModel::for_type(type), senses_params(type)) {
     // Every motion and setting is read once here, so that a broken file fails
     // at once rather than on the field.
     for (const char* name : {"lie", "front", "back", "side"}) {
