@@ -34,6 +34,13 @@ struct ORVO_API KickParams {
     /// Each walk back to the spot after a last look widens the four
     /// tolerances above by this share of themselves.
     double retry_widen = 0;
+    /// Short of the spot (the ball further than planned) by more than this,
+    /// widened or not, the robot walks again: the swing passes over a ball
+    /// that far off.
+    double kick_tolerance_far = 0;
+    /// Share of stop_lead counted on the walks back after a last look: they
+    /// are short and slow, and barely carry on.
+    double retry_lead = 0;
     double kick_tolerance_y = 0;
     double kick_tolerance_heading = 0;
     double settle_time = 0; ///< standing still before the last look

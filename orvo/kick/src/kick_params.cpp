@@ -21,6 +21,8 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(kick_tolerance_x);
     ORVO_KICK_PARAM(kick_tolerance_close);
     ORVO_KICK_PARAM(retry_widen);
+    ORVO_KICK_PARAM(kick_tolerance_far);
+    ORVO_KICK_PARAM(retry_lead);
     ORVO_KICK_PARAM(kick_tolerance_y);
     ORVO_KICK_PARAM(kick_tolerance_heading);
     ORVO_KICK_PARAM(settle_time);

@@ -110,7 +110,8 @@ void Kicker::approach() {
     // The walk's last steps carry the robot on after it is told to stop:
     // up to stop_lead short of the spot counts as on it.
     Pose2 off = relative(here, *stand_);
-    off.x -= std::clamp(off.x, 0.0, params_.stop_lead);
+    const double lead = retries_ > 0 ? params_.retry_lead * params_.stop_lead : params_.stop_lead;
+    off.x -= std::clamp(off.x, 0.0, lead);
     if (within(off, params_.tolerance_x, params_.tolerance_y, params_.tolerance_heading)) {
         walker_.stop();
         phase_ = KickPhase::settle;
@@ -146,7 +147,7 @@ void Kicker::settle() {
     const Pose2 off = relative(robot(), *stand_);
     if (!within(off, widen * params_.kick_tolerance_x, widen * params_.kick_tolerance_y,
                 widen * params_.kick_tolerance_heading) ||
-        -off.x > widen * params_.kick_tolerance_close) {
+        -off.x > widen * params_.kick_tolerance_close || off.x > params_.kick_tolerance_far) {
         phase_ = KickPhase::approach;
         since_ = clock_;
         ++retries_;
