@@ -64,7 +64,10 @@ public:
     /// update, before the balance bends them.
     const robot::JointValues& speeds() const { return speeds_; }
     const robot::JointValues& targets() const { return player_.targets(); }
-    const robot::JointSet& joints() const { return player_.driven(); }
+    /// Every joint of the robot's type: those no motion moves are told to hold
+    /// still, for a joint left without commands keeps its last speed (a knee
+    /// the walk was bending as the robot fell would bend on to its stop).
+    const robot::JointSet& joints() const { return own_joints_; }
 
 private:
     enum class Phase { idle, lying_down, settling, rolling, standing };

@@ -119,6 +119,11 @@ TEST(GetUp, OnceStillPlaysTheSideItFeelsAndLooksAgainAfterARoll) {
             getup.start(Posture::fallen_front);
             double time = 0;
             EXPECT_TRUE(plays(getup, time, side.x, side.y, side.motion, 1)) << side.motion;
+            // The joints no motion moves (the neck, type 4's toes) hold still.
+            EXPECT_EQ(getup.joints(), orvo::robot::joints_of(type));
+            for (const Joint held : {Joint::neck_yaw, Joint::neck_pitch, Joint::left_toe}) {
+                EXPECT_EQ(getup.speeds()[orvo::robot::index(held)], 0.0);
+            }
         }
     }
     // A roll starts over from the lying pose (a roll that ended on the back

@@ -72,19 +72,9 @@ bool Skill_GetUp::operator()(const perception::Perception& perception) {
         boost::make_shared<Get_Up_Step>(get_name(), std::string(fall::posture_name(posture)),
                                         getup_->motion(), detector_->tilt_deg());
     (*skill_injector)(record);
-    // No motion moves the head, and a joint left without commands keeps
-    // its last speed: the neck would turn on to its stop, and a head pressed
-    // at its stop against the ground tips the stand-ups. It holds still.
-    robot::JointValues speeds = getup_->speeds();
-    robot::JointSet joints = getup_->joints();
-    for (const robot::Joint neck : {robot::Joint::neck_yaw, robot::Joint::neck_pitch}) {
-        const auto i = static_cast<std::size_t>(neck);
-        if (!joints[i]) {
-            speeds[i] = 0;
-            joints.set(i);
-        }
-    }
-    (*effector)(speeds, joints);
+    // Every joint, the head's too: no motion moves it, and a neck turning on
+    // to its stop presses the head against the ground and tips the stand-ups.
+    (*effector)(getup_->speeds(), getup_->joints());
     return true;
 }
 
