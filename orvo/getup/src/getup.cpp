@@ -189,11 +189,9 @@ void GetUp::update(const perception::Perception& perception) {
         // The gyroscope's x axis turns the torso's forward axis up: leaning back.
         balance_.apply(lean_back(), perception.gyroscope.x, targets);
     }
-    const robot::JointSet moved = player_.driven() & own_joints_;
-    controller_.step(targets, player_.rates(), angles, moved, speeds_);
-    for (std::size_t i = 0; i < robot::joint_count; ++i) {
-        speeds_[i] = moved.test(i) ? speeds_[i] : 0.0;
-    }
+    // The controller writes only the joints the motion moves; the rest hold.
+    speeds_ = {};
+    controller_.step(targets, player_.rates(), angles, player_.driven() & own_joints_, speeds_);
 }
 
 bool GetUp::stuck(fall::Posture posture, double now) {
