@@ -21,7 +21,11 @@ struct ORVO_API KickParams {
     double approach_sideways = 0;  ///< fastest sideways, m/s
     double approach_turn = 0;      ///< fastest turn, deg/s
     double approach_clearance = 0; ///< keep this far behind the ball until lined up
-    double tolerance_x = 0;        ///< close enough to stop and settle
+    /// Share of the walk's forward creep (its `odometry_creep`) the approach
+    /// asks for less: stepping carries the body forward by itself, so a short
+    /// way back asked plainly walked the robot on into the ball.
+    double approach_creep = 0;
+    double tolerance_x = 0; ///< close enough to stop and settle
     /// A robot up to this far short of the spot counts as on it when it
     /// stops walking: the walk's last steps carry it on about that far.
     double stop_lead = 0;
@@ -65,6 +69,9 @@ struct ORVO_API KickParams {
     /// `kick_tolerance_x`) by which the drawn-back foot comes closer to it:
     /// the foot then meets the ball at the same point of its swing.
     double follow_ball = 0;
+    /// Past the spot by up to this much (m), the drawn-back foot draws back
+    /// as much further (by `follow_ball` of it).
+    double follow_close = 0;
     /// Share of how far the ball lies off `reach_center` (seen ahead of the
     /// hips, m) by which the swing moves toward it, carried by the hips over
     /// the support foot (`reach_hips` of it) and the leg; at most `reach_max` (m).

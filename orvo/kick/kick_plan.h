@@ -39,8 +39,10 @@ ORVO_API Pose2 stand_pose(double ball_x, double ball_y, double direction_deg, wa
 /// never sidesteps or turns into the ball.
 ORVO_API Pose2 approach_spot(const Pose2& robot, const Pose2& stand, const KickParams& params);
 
-/// The walking velocity toward `error`, the spot as seen from the robot.
-ORVO_API walk::Velocity approach_velocity(const Pose2& error, const KickParams& params);
+/// The walking velocity toward `error`, the spot as seen from the robot, for a
+/// walk that drifts forward by `creep` (m/s) while it steps.
+ORVO_API walk::Velocity approach_velocity(const Pose2& error, const KickParams& params,
+                                          double creep);
 
 /// Whether `error` is within the given tolerances (metres, metres, degrees).
 ORVO_API bool within(const Pose2& error, double x, double y, double heading);

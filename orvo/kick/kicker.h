@@ -56,6 +56,7 @@ public:
     double direction() const { return direction_; }
     /// Where the robot stands by its odometry.
     Pose2 robot() const;
+
     const robot::JointValues& targets() const { return targets_; }
     const robot::JointValues& speeds() const { return speeds_; }
     const robot::JointSet& joints() const { return walker_.joints(); }
@@ -67,6 +68,11 @@ private:
     void plan();
     void approach();
     void settle();
+    /// How much further ahead of the hips the ball lies than the kick plans.
+    double beyond_spot() const;
+    /// Whether the last look would kick from where the robot stands, or
+    /// once it has carried on `lead` further.
+    bool placed_for_kick(double lead) const;
     void move();
     void follow_walker(const perception::Perception& perception);
 

@@ -72,6 +72,7 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
     set.set("swing_pitch", 20);
     set.set("back_x", 0.04);
     set.set("swing_twist", 0); // turns the toes too: checked below
+    set.set("lunge", 0);       // moves the hips over the support foot
     const auto kick = orvo::kick::KickParams::from(set);
     // A ball lying further than planned brings the drawn-back foot closer
     // to it; the swing ends where it would and is as much shorter in time.

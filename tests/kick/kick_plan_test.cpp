@@ -97,7 +97,7 @@ TEST(KickPlan, ApproachVelocityPointsAtTheSpotWithinItsLimits) {
     const KickParams p = params();
     const Pose2 errors[] = {{2, 0, 0}, {-2, 0.5, -90}, {0.01, -0.01, 2}, {0, 0, 0}};
     for (const Pose2& e : errors) {
-        const orvo::walk::Velocity v = orvo::kick::approach_velocity(e, p);
+        const orvo::walk::Velocity v = orvo::kick::approach_velocity(e, p, 0);
         EXPECT_GE(v.forward * e.x, 0);
         EXPECT_GE(v.sideways * e.y, 0);
         EXPECT_GE(v.turn * e.heading, 0);
@@ -105,6 +105,13 @@ TEST(KickPlan, ApproachVelocityPointsAtTheSpotWithinItsLimits) {
         EXPECT_LE(std::fabs(v.sideways), p.approach_sideways);
         EXPECT_LE(std::fabs(v.turn), p.approach_turn);
     }
+    // A walk that drifts forward as it steps is asked that much less: on the
+    // spot, it steps back by the drift, which holds it there.
+    KickParams drifting = p;
+    drifting.approach_creep = 1;
+    EXPECT_NEAR(orvo::kick::approach_velocity({0, 0, 0}, drifting, 0.08).forward, -0.08, 1e-12);
+    EXPECT_NEAR(orvo::kick::approach_velocity({2, 0, 0}, drifting, 0.08).forward,
+                p.approach_forward, 1e-12);
 }
 
 } // namespace

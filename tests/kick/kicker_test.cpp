@@ -1,8 +1,8 @@
 // The kicker's decisions without a server, fed made-up sightings of a ball
 // that lies still: it walks toward a ball far off, steps back from one too
 // close, kicks one lying where the kick needs it, waits while one seen on the
-// spot still moves, never kicks one the swing would pass over, and gives up on
-// one it never sees.
+// spot still moves, walks on to one the swing would pass over or meet too
+// early, and gives up on one it never sees.
 #include <orvo/kick/kicker.h>
 
 #include <gtest/gtest.h>
@@ -59,12 +59,16 @@ TEST(Kicker, WalksUpKicksOrGivesUp) {
         {"never seen", false, 1, 1, KickPhase::failed, kick.give_up_time + 1},
         {"still moving", true, 1, 1, KickPhase::settle, 4, 0.02},
         // Within the last look's tolerance but beyond the swing's reach: it
-        // looks again rather than kicks.
+        // walks on rather than kicks (or stands there for ever).
+        {"a little too close", true,
+         (kick.ball_x - (kick.kick_tolerance_close + kick.tolerance_x) / 2) / kick.ball_x, 1,
+         KickPhase::approach, 4, 0, false},
         {"a little too far", true,
          (kick.ball_x + (kick.kick_tolerance_far + kick.kick_tolerance_x) / 2) / kick.ball_x, 1,
-         KickPhase::settle, 4, 0, false},
+         KickPhase::approach, 4, 0, false},
     };
     ASSERT_LT(kick.kick_tolerance_far, kick.kick_tolerance_x);
+    ASSERT_LT(kick.kick_tolerance_close, kick.tolerance_x);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         orvo::kick::Kicker kicker(model, walk, kick);

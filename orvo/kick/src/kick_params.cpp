@@ -14,6 +14,7 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(approach_sideways);
     ORVO_KICK_PARAM(approach_turn);
     ORVO_KICK_PARAM(approach_clearance);
+    ORVO_KICK_PARAM(approach_creep);
     ORVO_KICK_PARAM(tolerance_x);
     ORVO_KICK_PARAM(stop_lead);
     ORVO_KICK_PARAM(tolerance_y);
@@ -40,6 +41,7 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(back_pitch);
     ORVO_KICK_PARAM(swing_time);
     ORVO_KICK_PARAM(follow_ball);
+    ORVO_KICK_PARAM(follow_close);
     ORVO_KICK_PARAM(reach_ball);
     ORVO_KICK_PARAM(reach_center);
     ORVO_KICK_PARAM(reach_max);

@@ -60,9 +60,9 @@ Pose2 approach_spot(const Pose2& robot, const Pose2& stand, const KickParams& pa
     return compose(stand, {-params.approach_clearance * share, 0, 0});
 }
 
-walk::Velocity approach_velocity(const Pose2& error, const KickParams& params) {
-    return {std::clamp(params.approach_gain * error.x, -params.approach_forward,
-                       params.approach_forward),
+walk::Velocity approach_velocity(const Pose2& error, const KickParams& params, double creep) {
+    const double forward = params.approach_gain * error.x - params.approach_creep * creep;
+    return {std::clamp(forward, -params.approach_forward, params.approach_forward),
             std::clamp(params.approach_gain * error.y, -params.approach_sideways,
                        params.approach_sideways),
             std::clamp(params.approach_turn_gain * error.heading, -params.approach_turn,

@@ -44,6 +44,26 @@ Pose2 Kicker::robot() const {
     return {odometry.x, odometry.y, odometry.heading};
 }
 
+double Kicker::beyond_spot() const {
+    // Along the robot's own heading, which the swing follows: turned a few
+    // degrees on the spot, the ball beside the hips lies a centimetre nearer
+    // or further than the spot's offset says.
+    return relative(robot(), *ball_).x - params_.ball_x;
+}
+
+bool Kicker::placed_for_kick(double lead) const {
+    // Every walk back to the spot is a new chance to stop off it again: each
+    // one widens the tolerances, so that a robot that cannot stop closer
+    // kicks a ball less well placed rather than never. A ball further than
+    // the swing reaches is never kicked.
+    const double widen = 1 + params_.retry_widen * retries_;
+    const Pose2 off = relative(robot(), *stand_);
+    const double beyond = beyond_spot() - lead;
+    return within(off, widen * params_.kick_tolerance_x, widen * params_.kick_tolerance_y,
+                  widen * params_.kick_tolerance_heading) &&
+           -beyond <= widen * params_.kick_tolerance_close && beyond <= params_.kick_tolerance_far;
+}
+
 void Kicker::start(double direction_deg) {
     asked_ = direction_deg;
     direction_ = robot().heading + direction_deg;
@@ -108,18 +128,32 @@ void Kicker::aim_head() {
 void Kicker::approach() {
     const Pose2 here = robot();
     // The walk's last steps carry the robot on after it is told to stop:
-    // up to stop_lead short of the spot counts as on it.
+    // up to stop_lead short of the spot counts as on it; a robot still
+    // standing carries on nowhere.
     Pose2 off = relative(here, *stand_);
-    const double lead = retries_ > 0 ? params_.retry_lead * params_.stop_lead : params_.stop_lead;
+    const double lead = walker_.standing() ? 0
+                        : retries_ > 0     ? params_.retry_lead * params_.stop_lead
+                                           : params_.stop_lead;
     off.x -= std::clamp(off.x, 0.0, lead);
-    if (within(off, params_.tolerance_x, params_.tolerance_y, params_.tolerance_heading)) {
+    const bool near =
+        within(off, params_.tolerance_x, params_.tolerance_y, params_.tolerance_heading);
+    // Sent on by a last look, the robot stops only where that look would
+    // kick: stopped anywhere near, it was sent on and stopped again for ever.
+    const bool placed = retries_ == 0 || placed_for_kick(lead);
+    if (near && placed) {
         walker_.stop();
         phase_ = KickPhase::settle;
         since_ = clock_;
         return;
     }
+    Pose2 error = relative(here, approach_spot(here, *stand_, params_));
+    if (near) {
+        // On the spot as the walk sees it, off it as the swing does: forward
+        // or back by where the ball lies along the robot's heading.
+        error.x = beyond_spot() - lead;
+    }
     const walk::Velocity velocity =
-        approach_velocity(relative(here, approach_spot(here, *stand_, params_)), params_);
+        approach_velocity(error, params_, walker_.params().odometry_creep);
     walker_.set_velocity(velocity.forward, velocity.sideways, velocity.turn);
 }
 
@@ -140,14 +174,7 @@ void Kicker::settle() {
         settled_ball_ = *ball_;
         return;
     }
-    // Every walk back to the spot is a new chance to stop off it again: each
-    // one widens the tolerances, so that a robot that cannot stop closer
-    // kicks a ball less well placed rather than never.
-    const double widen = 1 + params_.retry_widen * retries_;
-    const Pose2 off = relative(robot(), *stand_);
-    if (!within(off, widen * params_.kick_tolerance_x, widen * params_.kick_tolerance_y,
-                widen * params_.kick_tolerance_heading) ||
-        -off.x > widen * params_.kick_tolerance_close || off.x > params_.kick_tolerance_far) {
+    if (!placed_for_kick(0)) {
         phase_ = KickPhase::approach;
         since_ = clock_;
         ++retries_;
@@ -155,8 +182,10 @@ void Kicker::settle() {
     }
     // Short of the spot, the ball lies further than the swing expects: the
     // drawn-back foot comes closer to it, so that it still meets the ball at
-    // the speed it has early in the swing.
-    const double further = std::clamp(off.x, 0.0, params_.kick_tolerance_x);
+    // the speed it has early in the swing. Past the spot, the foot draws back
+    // further: met early in a swing that short, the ball went half as far.
+    const double further =
+        std::clamp(beyond_spot(), -params_.follow_close, params_.kick_tolerance_x);
     // A ball off the place the swing meets best draws the hips toward it.
     const double off_center = relative(robot(), *ball_).x - params_.reach_center;
     const double reach =
