@@ -4,8 +4,10 @@ namespace orvo::kick {
 
 #define ORVO_KICK_PARAM(name) params.name = set[#name]
 
-KickParams KickParams::from(const params::ParamSet& set) {
-    KickParams params;
+namespace {
+
+/// Where the ball must lie and how the robot walks up to it.
+void read_approach(const params::ParamSet& set, KickParams& params) {
     ORVO_KICK_PARAM(ball_x);
     ORVO_KICK_PARAM(ball_y);
     ORVO_KICK_PARAM(approach_gain);
@@ -31,6 +33,10 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(ball_filter);
     ORVO_KICK_PARAM(camera_height);
     ORVO_KICK_PARAM(give_up_time);
+}
+
+/// The motion, phase by phase.
+void read_motion(const params::ParamSet& set, KickParams& params) {
     ORVO_KICK_PARAM(shift_y);
     ORVO_KICK_PARAM(shift_time);
     ORVO_KICK_PARAM(crouch);
@@ -63,6 +69,14 @@ KickParams KickParams::from(const params::ParamSet& set) {
     ORVO_KICK_PARAM(joint_p);
     ORVO_KICK_PARAM(joint_d);
     ORVO_KICK_PARAM(rest_time);
+}
+
+} // namespace
+
+KickParams KickParams::from(const params::ParamSet& set) {
+    KickParams params;
+    read_approach(set, params);
+    read_motion(set, params);
     return params;
 }
 
