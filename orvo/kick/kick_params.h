@@ -69,9 +69,6 @@ struct ORVO_API KickParams {
     /// `kick_tolerance_x`) by which the drawn-back foot comes closer to it:
     /// the foot then meets the ball at the same point of its swing.
     double follow_ball = 0;
-    /// Past the spot by up to this much (m), the drawn-back foot draws back
-    /// as much further (by `follow_ball` of it).
-    double follow_close = 0;
     /// Share of how far the ball lies off `reach_center` (seen ahead of the
     /// hips, m) by which the swing moves toward it, carried by the hips over
     /// the support foot (`reach_hips` of it) and the leg; at most `reach_max` (m).

@@ -56,7 +56,6 @@ public:
     double direction() const { return direction_; }
     /// Where the robot stands by its odometry.
     Pose2 robot() const;
-
     const robot::JointValues& targets() const { return targets_; }
     const robot::JointValues& speeds() const { return speeds_; }
     const robot::JointSet& joints() const { return walker_.joints(); }

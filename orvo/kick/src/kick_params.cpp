@@ -47,7 +47,6 @@ void read_motion(const params::ParamSet& set, KickParams& params) {
     ORVO_KICK_PARAM(back_pitch);
     ORVO_KICK_PARAM(swing_time);
     ORVO_KICK_PARAM(follow_ball);
-    ORVO_KICK_PARAM(follow_close);
     ORVO_KICK_PARAM(reach_ball);
     ORVO_KICK_PARAM(reach_center);
     ORVO_KICK_PARAM(reach_max);

@@ -182,10 +182,8 @@ void Kicker::settle() {
     }
     // Short of the spot, the ball lies further than the swing expects: the
     // drawn-back foot comes closer to it, so that it still meets the ball at
-    // the speed it has early in the swing. Past the spot, the foot draws back
-    // further: met early in a swing that short, the ball went half as far.
-    const double further =
-        std::clamp(beyond_spot(), -params_.follow_close, params_.kick_tolerance_x);
+    // the speed it has early in the swing.
+    const double further = std::clamp(beyond_spot(), 0.0, params_.kick_tolerance_x);
     // A ball off the place the swing meets best draws the hips toward it.
     const double off_center = relative(robot(), *ball_).x - params_.reach_center;
     const double reach =
