@@ -32,6 +32,11 @@ struct ORVO_API WalkParams {
     /// takes along when it lifts): 0 lands it moving with the hips, 1 at rest
     /// on the ground.
     double landing_match = 0;
+    /// Share of the swing (at each end, up to 0.5) over which the swing foot
+    /// speeds up and slows down; between, it moves at an even speed. At 0.5
+    /// it never moves evenly, and its fastest is pi/2 times its mean; shorter
+    /// ramps lower that peak, which the hip joints' top speed caps.
+    double swing_ramp = 0;
     // The stance.
     double hip_height = 0; ///< hip joints above the soles
     double lean = 0;       ///< torso pitched forward
@@ -117,6 +122,7 @@ struct ORVO_API WalkParams {
     double fast_hip_height = 0;
     double fast_foot_x = 0;
     double fast_landing_match = 0;
+    double fast_swing_ramp = 0;
     double fast_gyro_ankle_pitch = 0;
     double fast_place_pitch = 0;
     double fast_switch_phase = 0;

@@ -88,6 +88,7 @@ TEST(Gait, SwingFootShedsItsShareOfTheWalkBeforeLanding) {
     for (double match : {0.0, 0.5, 1.0}) {
         auto params = type0();
         params.landing_match = match;
+        params.swing_ramp = match == 0.5 ? 0.2 : 0.5;
         Gait gait(params, 0.055);
         walk(gait, {0.3, 0, 0}, 3);
         gait.begin(Side::left, {0.3, 0, 0}, 1);
@@ -101,6 +102,35 @@ TEST(Gait, SwingFootShedsItsShareOfTheWalkBeforeLanding) {
                 << match;
         }
     }
+}
+
+TEST(Gait, ShorterSwingRampsLowerTheSwingFootsTopSpeed) {
+    // The hip joints' top speed caps how fast the swing foot can pass the
+    // hips; an even middle stretch of the swing lowers the peak it needs.
+    const auto fastest = [](double ramp) {
+        auto params = type0();
+        params.landing_match = 0;
+        params.double_support = 0;
+        params.swing_ramp = ramp;
+        Gait gait(params, 0.055);
+        walk(gait, {0.3, 0, 0}, 3);
+        gait.begin(Side::left, {0.3, 0, 0}, 1);
+        const orvo::walk::Offset from = gait.offset(Side::right, 0);
+        const orvo::walk::Offset to = gait.offset(Side::right, 1);
+        EXPECT_NEAR(to.x - from.x, 0.3 * params.step_time, 1e-9) << ramp;
+        double top = 0;
+        constexpr int steps = 1000;
+        for (int i = 1; i <= steps; ++i) {
+            const double phase = double(i) / steps;
+            const double moved =
+                gait.offset(Side::right, phase).x - gait.offset(Side::right, phase - 1.0 / steps).x;
+            top = std::max(top, moved * steps / (to.x - from.x));
+        }
+        return top;
+    };
+    EXPECT_NEAR(fastest(0.5), 3.14159265 / 2, 1e-3);
+    EXPECT_NEAR(fastest(0.2), 1 / (1 - 0.4 + 0.8 / 3.14159265), 1e-3);
+    EXPECT_NEAR(fastest(0.01), 1, 0.01);
 }
 
 TEST(Gait, SwingFootLiftsToTheHeightItsTurnAsks) {

@@ -19,6 +19,19 @@ Offset blend(const Offset& from, const Offset& to, double share) {
             from.yaw + (to.yaw - from.yaw) * share};
 }
 
+/// How far along its way the swing foot is at `share` of the swing: its
+/// speed rises as a quarter sine over `ramp` of the swing, holds, and falls
+/// again the same way, so that it starts and stops at rest.
+double swing_progress(double share, double ramp) {
+    const double r = std::clamp(ramp, 0.01, 0.5);
+    const double peak = 1 / (1 - 2 * r + 4 * r / pi);
+    const auto rising = [r, peak](double s) {
+        return s < r ? peak * 2 * r / pi * (1 - std::cos(pi * s / (2 * r)))
+                     : peak * (2 * r / pi + s - r);
+    };
+    return share <= 0.5 ? rising(share) : 1 - rising(1 - share);
+}
+
 } // namespace
 
 Gait::Gait(const WalkParams& params, double hip_offset)
@@ -76,7 +89,7 @@ Offset Gait::offset(Side side, double phase) const {
     // jolts the body round. The swing foot takes `landing_match` of the
     // support foot's motion along, so that it lifts off and lands with that
     // share of the walk's speed shed.
-    const double share = (1 - std::cos(pi * swing_share(phase))) / 2;
+    const double share = swing_progress(swing_share(phase), params_.swing_ramp);
     const Offset& support_start = start_[at(support_)];
     const Offset& support_end = end_[at(support_)];
     const double carry = params_.landing_match;

@@ -23,6 +23,7 @@ void read_goto_and_fast(const ParamSet& set, WalkParams& params) {
     ORVO_WALK_PARAM(fast_hip_height);
     ORVO_WALK_PARAM(fast_foot_x);
     ORVO_WALK_PARAM(fast_landing_match);
+    ORVO_WALK_PARAM(fast_swing_ramp);
     ORVO_WALK_PARAM(fast_gyro_ankle_pitch);
     ORVO_WALK_PARAM(fast_place_pitch);
     ORVO_WALK_PARAM(fast_switch_phase);
@@ -40,6 +41,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(switch_phase);
     ORVO_WALK_PARAM(contact_force);
     ORVO_WALK_PARAM(landing_match);
+    ORVO_WALK_PARAM(swing_ramp);
     ORVO_WALK_PARAM(hip_height);
     ORVO_WALK_PARAM(lean);
     ORVO_WALK_PARAM(foot_x);
@@ -105,6 +107,7 @@ WalkParams WalkParams::at_speed(double forward) const {
     now.hip_height = mix(hip_height, fast_hip_height);
     now.foot_x = mix(foot_x, fast_foot_x);
     now.landing_match = mix(landing_match, fast_landing_match);
+    now.swing_ramp = mix(swing_ramp, fast_swing_ramp);
     now.gyro_ankle_pitch = mix(gyro_ankle_pitch, fast_gyro_ankle_pitch);
     now.place_pitch = mix(place_pitch, fast_place_pitch);
     now.switch_phase = mix(switch_phase, fast_switch_phase);

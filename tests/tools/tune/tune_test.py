@@ -16,7 +16,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 TUNE = os.path.join(HERE, "..", "..", "..", "tools", "tune")
 sys.path.insert(0, TUNE)
-from orvotune.drill import Drill  # noqa: E402
+from orvotune.drill import Drill, load_drills  # noqa: E402
 
 PARAMS = {"step_height": {"value": 0.02, "min": 0.0, "max": 0.05},
           "step_time": {"value": 0.3, "min": 0.1, "max": 0.5},
@@ -126,6 +126,22 @@ class TuneTest(unittest.TestCase):
                                                           "--trials-per-candidate", "2"))
         with open(os.path.join(self.dir, "budget", "best-params.json")) as f:
             self.assertEqual(set(json.load(f)), set(PARAMS))
+
+    def test_a_missing_drill_program_is_refused_before_any_trial(self):
+        entry = {"command": ["{drill}", "walk"], "score": [], "failed_score": -1}
+        drills = self.file("missing.json", {"walk": entry})
+        env = dict(os.environ, PATH="/usr/bin:/bin")
+        for extra in ([], ["--drill-program", os.path.join(self.dir, "nowhere")]):
+            proc = subprocess.run([os.path.join(TUNE, "orvo_tune"), "search", "walk", "--drills",
+                                   drills, "--params", self.params, "--records",
+                                   os.path.join(self.dir, "missing"), *extra],
+                                  capture_output=True, text=True, env=env, timeout=60)
+            self.assertNotEqual(proc.returncode, 0)
+            self.assertIn("is not an executable file", proc.stderr)
+            self.assertNotIn("Traceback", proc.stderr)
+        del entry["failed_score"]
+        with self.assertRaisesRegex(SystemExit, "lacks 'failed_score'"):
+            load_drills(self.file("lacking.json", {"walk": entry}))
 
     def test_scores_follow_the_drill_entry(self):
         run = {"forward_mps": 0.5, "falls": 1, "end": [3.0, -0.4, 0.0], "turn_dps": -20}

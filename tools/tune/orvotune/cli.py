@@ -70,8 +70,12 @@ def setup(args):
     if args.drill not in drills:
         raise SystemExit(f"no drill {args.drill!r} in {args.drills}")
     drill = drills[args.drill]
-    if args.drill_program and shutil.which(drill.program) is None:
-        raise SystemExit(f"the drill program {args.drill_program!r} is not an executable file")
+    # Trials on this machine need the program here; a cluster's nodes find
+    # the default on their own path.
+    local = not getattr(args, "slurm", False)
+    if (args.drill_program or local) and shutil.which(drill.program) is None:
+        raise SystemExit(f"the drill program {drill.program!r} is not an executable file"
+                         " (--drill-program, or orvo_drill on the PATH)")
     if args.timeout:
         drill.timeout = args.timeout
     path = args.params or os.path.join("params", drill.skill, f"type{args.type}.json")

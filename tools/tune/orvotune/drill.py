@@ -70,4 +70,12 @@ def parse_runs(text):
 def load_drills(path, drill_program=None):
     with open(path) as f:
         entries = json.load(f)
-    return {name: Drill(name, entry, drill_program) for name, entry in entries.items()}
+    drills = {}
+    for name, entry in entries.items():
+        try:
+            drills[name] = Drill(name, entry, drill_program)
+        except KeyError as missing:
+            raise SystemExit(f"{path}: drill entry {name!r} lacks {missing}") from None
+        except (TypeError, ValueError) as wrong:
+            raise SystemExit(f"{path}: drill entry {name!r}: {wrong}") from None
+    return drills
