@@ -71,9 +71,10 @@ def setup(args):
         raise SystemExit(f"no drill {args.drill!r} in {args.drills}")
     drill = drills[args.drill]
     # Trials on this machine need the program here; a cluster's nodes find
-    # the default on their own path.
+    # the default on their own path. An entry may run a command of its own.
     local = not getattr(args, "slurm", False)
-    if (args.drill_program or local) and shutil.which(drill.program) is None:
+    uses = any("{drill}" in arg for arg in drill.command)
+    if uses and (args.drill_program or local) and shutil.which(drill.program) is None:
         raise SystemExit(f"the drill program {drill.program!r} is not an executable file"
                          " (--drill-program, or orvo_drill on the PATH)")
     if args.timeout:
