@@ -42,7 +42,7 @@ ORVO_API Pose2 approach_spot(const Pose2& robot, const Pose2& stand, const KickP
 /// The walking velocity toward `error`, the spot as seen from the robot, for a
 /// walk that drifts forward by `creep` (m/s) while it steps.
 ORVO_API walk::Velocity approach_velocity(const Pose2& error, const KickParams& params,
-                                          double creep = 0);
+                                          double creep);
 
 /// Whether `error` is within the given tolerances (metres, metres, degrees).
 ORVO_API bool within(const Pose2& error, double x, double y, double heading);
