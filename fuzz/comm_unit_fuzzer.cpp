@@ -34,8 +34,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <deque>
 #include <string>
 
@@ -48,8 +46,7 @@ constexpr std::size_t buffer_size = 16384;
 constexpr std::size_t prefix_size = 4;
 
 [[noreturn]] void finding(const char* what, const std::string& detail) {
-    std::fprintf(stderr, "receive path finding: %s (%zu bytes)\n", what, detail.size());
-    std::abort();
+    fuzz::finding("receive path", what + (" (" + std::to_string(detail.size()) + " bytes)"));
 }
 
 /// Whether a piece is waiting at `fd` (the end of the stream does not count).

@@ -5,12 +5,12 @@
 // empty, never starting with a blank or a tab.
 #include <orvo/core/architect.h>
 
+#include "fuzz_input.h"
+
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -25,8 +25,7 @@ int contents_fd = -1;
 std::string contents_path;
 
 [[noreturn]] void finding(const char* what, const std::string& detail) {
-    std::fprintf(stderr, "config reader finding: %s: %s\n", what, detail.c_str());
-    std::abort();
+    fuzz::finding("config reader", what + (": " + detail));
 }
 
 bool is_value(const std::string& value) {
@@ -39,8 +38,7 @@ bool is_value(const std::string& value) {
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     contents_fd = memfd_create("orvo-fuzzed.cfg", 0);
     if (contents_fd < 0) {
-        std::perror("memfd_create");
-        std::exit(1);
+        fuzz::broken_harness("memfd_create");
     }
     contents_path = "/proc/self/fd/" + std::to_string(contents_fd);
     return 0;
@@ -49,8 +47,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (ftruncate(contents_fd, 0) != 0 ||
         pwrite(contents_fd, data, size, 0) != static_cast<ssize_t>(size)) {
-        std::perror("writing the fuzzed file");
-        std::exit(1);
+        fuzz::broken_harness("writing the fuzzed file");
     }
 
     std::vector<std::string> args{"fuzz"};

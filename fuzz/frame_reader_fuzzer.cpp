@@ -36,8 +36,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
@@ -52,8 +50,7 @@ using fuzz::Input;
 namespace {
 
 [[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "frame reader finding: %s\n", what);
-    std::abort();
+    fuzz::finding("frame reader", what);
 }
 
 std::string prefix(std::uint32_t length) {

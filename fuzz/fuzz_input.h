@@ -45,6 +45,12 @@ private:
     std::exit(1);
 }
 
+/// The code under test did wrong: the abort makes the fuzzer keep the input.
+[[noreturn]] inline void finding(const char* target, const std::string& what) {
+    std::fprintf(stderr, "%s finding: %s\n", target, what.c_str());
+    std::abort();
+}
+
 } // namespace fuzz
 
 #endif

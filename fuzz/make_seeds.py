@@ -68,12 +68,9 @@ for name, data in comm.items():
 
 
 # Frame sequences for the lossless reader: a limit, frames, cuts and reads.
+# A frame from the input is written as the connection's piece is.
 def limit(value):
     return struct.pack(">H", value)
-
-
-def payload_frame(data):
-    return b"p" + struct.pack(">H", len(data)) + data
 
 
 def repeated_frame(count, byte):
@@ -86,21 +83,21 @@ def cut(after):
 
 perception = b"(time (now 12.34))(GS (t 0.00) (pm BeforeKickOff))" + b"(HJ (n hj1) (ax 0.0))" * 40
 reader = {
-    "one_frame": limit(4096) + payload_frame(b"(init)"),
-    "pair_per_read": limit(4096) + payload_frame(perception) + payload_frame(perception) + b"r",
-    "split_prefix": limit(64) + payload_frame(b"(see)") + payload_frame(b"(hear)") + cut(7) + b"r"
+    "one_frame": limit(4096) + piece(b"(init)"),
+    "pair_per_read": limit(4096) + piece(perception) + piece(perception) + b"r",
+    "split_prefix": limit(64) + piece(b"(see)") + piece(b"(hear)") + cut(7) + b"r"
     + cut(3) + b"r",
-    "drip": limit(64) + payload_frame(b"(a)") + payload_frame(b"") + payload_frame(b"(b)")
+    "drip": limit(64) + piece(b"(a)") + piece(b"") + piece(b"(b)")
     + b"".join(cut(1) + b"r" for _ in range(20)),
-    "ten_in_one_read": limit(64) + b"".join(payload_frame(bytes([48 + i])) for i in range(10)) + b"r",
-    "empty_frames": limit(0) + payload_frame(b"") + payload_frame(b"") + cut(5) + b"r",
-    "larger_than_a_read": limit(65535) + repeated_frame(40000, ord("x")) + payload_frame(b"(after)")
+    "ten_in_one_read": limit(64) + b"".join(piece(bytes([48 + i])) for i in range(10)) + b"r",
+    "empty_frames": limit(0) + piece(b"") + piece(b"") + cut(5) + b"r",
+    "larger_than_a_read": limit(65535) + repeated_frame(40000, ord("x")) + piece(b"(after)")
     + cut(20000) + b"r",
-    "oversize_after_frames": limit(16) + payload_frame(b"(ok)") + b"o" + struct.pack(">I", 0)
-    + payload_frame(b"(never)") + cut(6) + b"r",
-    "oversize_frame": limit(8) + payload_frame(b"(too long)") + b"r",
+    "oversize_after_frames": limit(16) + piece(b"(ok)") + b"o" + struct.pack(">I", 0)
+    + piece(b"(never)") + cut(6) + b"r",
+    "oversize_frame": limit(8) + piece(b"(too long)") + b"r",
     "largest_prefix": limit(65535) + b"o" + struct.pack(">I", 0xFFFFFFFF),
-    "ends_mid_frame": limit(256) + payload_frame(b"(last)") + b"h" + struct.pack(">H", 100) + b"r",
+    "ends_mid_frame": limit(256) + piece(b"(last)") + b"h" + struct.pack(">H", 100) + b"r",
 }
 for name, data in reader.items():
     write("frame_reader_fuzzer", name, data)

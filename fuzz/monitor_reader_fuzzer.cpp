@@ -7,16 +7,15 @@
 // scene.
 #include <orvo/monitor/scene_reader.h>
 
+#include "fuzz_input.h"
+
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string_view>
 
 namespace {
 
 [[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "monitor reader finding: %s\n", what);
-    std::abort();
+    fuzz::finding("monitor reader", what);
 }
 
 void check(const orvo::monitor::SceneReader& reader) {

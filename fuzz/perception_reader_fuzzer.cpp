@@ -7,10 +7,10 @@
 // elements (values that are not numbers) counted unlike the message says.
 #include <orvo/perception/perception_reader.h>
 
+#include "fuzz_input.h"
+
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -19,8 +19,7 @@ namespace {
 using namespace orvo::perception;
 
 [[noreturn]] void finding(const char* what) {
-    std::fprintf(stderr, "perception reader finding: %s\n", what);
-    std::abort();
+    fuzz::finding("perception reader", what);
 }
 
 bool finite(const orvo::math::Vector3d& v) {
