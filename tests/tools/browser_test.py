@@ -54,7 +54,12 @@ def send_cycles(port, stop):
 class DevTools:
     """Chromium's DevTools protocol over the pipe it reads on fd 3 and writes on fd 4."""
 
-    def __init__(self, command):
+    def __init__(self, chromium, profile, *options):
+        """Headless Chromium on about:blank, the commands going to its page."""
+        command = [chromium, "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic",
+                   "--no-first-run", "--disable-background-networking", "--disable-component-update",
+                   "--disable-sync", "--user-data-dir=" + profile, *options, "--remote-debugging-pipe",
+                   "about:blank"]
         to_browser, self.commands = os.pipe()
         self.events, from_browser = os.pipe()
 
@@ -69,6 +74,9 @@ class DevTools:
         self.next_id = 0
         self.pending = b""
         self.session = None
+        target = next(t for t in self.call("Target.getTargets")["targetInfos"] if t["type"] == "page")
+        self.session = self.call("Target.attachToTarget", targetId=target["targetId"],
+                                 flatten=True)["sessionId"]
 
     def call(self, method, **params):
         self.next_id += 1
@@ -101,6 +109,12 @@ class DevTools:
                 return
             time.sleep(0.1)
         raise RuntimeError("the page never showed " + what)
+
+    def screenshot(self, path):
+        """The page as a PNG, kept at `path` for a look."""
+        shot = base64.b64decode(self.call("Page.captureScreenshot", format="png")["data"])
+        open(path, "wb").write(shot)
+        return shot
 
     def close(self):
         self.process.kill()
@@ -143,6 +157,23 @@ def rgb_pixels(png):
     return width, height, lambda x, y: tuple(rows[y][x * step:x * step + 3])
 
 
+def wait_for_file(path, what, process, seconds=WAIT):
+    """The words of the file a starting program writes when it is ready."""
+    deadline = time.time() + seconds
+    while not os.path.exists(path):
+        assert process.poll() is None, what + " ended early"
+        assert time.time() < deadline, what + " did not start"
+        time.sleep(0.05)
+    return open(path).read().split()
+
+
+def missing(chromium):
+    """Why the test cannot run here, or None."""
+    if not shutil.which(chromium):
+        return f"{chromium} is missing (scripts/install-deps.sh --test installs it)"
+    return None
+
+
 def near(colour, expected, tolerance=12):
     return all(abs(a - b) <= tolerance for a, b in zip(colour, expected))
 
@@ -153,8 +184,8 @@ def blend(colour, opacity=0.35):
 
 def main():
     viewer, chromium = sys.argv[1], sys.argv[2]
-    if not shutil.which(chromium):
-        print(f"{chromium} is missing (scripts/install-deps.sh --test installs it)")
+    if missing(chromium):
+        print(missing(chromium))
         return 77
     started = time.time()
     work = tempfile.mkdtemp(prefix="orvo-browser-")
@@ -163,18 +194,8 @@ def main():
                             stdout=subprocess.PIPE, text=True)
     stop, browser = threading.Event(), None
     try:
-        while not os.path.exists(ports):
-            assert time.time() < started + WAIT, "the viewer did not start"
-            time.sleep(0.05)
-        udp_port, http_port = map(int, open(ports).read().split())
-        browser = DevTools([chromium, "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic",
-                            "--no-first-run", "--disable-background-networking",
-                            "--disable-component-update", "--disable-sync",
-                            "--user-data-dir=" + os.path.join(work, "profile"),
-                            "--window-size=640,480", "--remote-debugging-pipe", "about:blank"])
-        target = next(t for t in browser.call("Target.getTargets")["targetInfos"] if t["type"] == "page")
-        browser.session = browser.call("Target.attachToTarget", targetId=target["targetId"],
-                                       flatten=True)["sessionId"]
+        udp_port, http_port = map(int, wait_for_file(ports, "the viewer", page))
+        browser = DevTools(chromium, os.path.join(work, "profile"), "--window-size=640,480")
         browser.call("Page.navigate", url=f"http://127.0.0.1:{http_port}/")
         browser.until("document.getElementById('status').textContent.startsWith('live')",
                       "a live connection")
@@ -189,11 +210,10 @@ def main():
             const box = cell.getBoundingClientRect();
             return [cell.dataset.side, Math.round(box.x + box.width / 4), Math.round(box.y + box.height / 2)];
         })""")
-        shot = base64.b64decode(browser.call("Page.captureScreenshot", format="png")["data"])
+        shot = browser.screenshot(os.path.join(work, "live.png"))
         stop.set()
         sender.join()
 
-        open(os.path.join(work, "live.png"), "wb").write(shot)
         width, height, pixel = rgb_pixels(shot)
         wrong = [(side, x, y, pixel(x, y)) for side, x, y in insides
                  if not near(pixel(x, y), blend(LEFT if side == "left" else RIGHT))]

@@ -14,7 +14,6 @@ given; PER_TEAM robots a team play then (default: 3 left, 2 right). Exits 77
 (skipped) when CHROMIUM or the real server is not there (fails without the
 server when CI=true).
 """
-import base64
 import os
 import shutil
 import signal
@@ -26,7 +25,7 @@ import threading
 import time
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from browser_test import WAIT, DevTools, near, rgb_pixels, shape  # noqa: E402
+from browser_test import WAIT, DevTools, missing, near, rgb_pixels, shape, wait_for_file  # noqa: E402
 
 LEFT_ROBOT = (253, 216, 53)
 BELIEF, BALL_BELIEF = (255, 0, 255), (255, 128, 0)
@@ -44,15 +43,6 @@ def believe(port, stop):
         out.sendto(shape(0x11, 2, "to_ball", BELIEF, [me, ball]), ("127.0.0.1", port))
         time.sleep(0.04)
     out.close()
-
-
-def wait_for_file(path, what, process):
-    deadline = time.time() + 60
-    while not os.path.exists(path):
-        assert process.poll() is None, what + " ended early"
-        assert time.time() < deadline, what + " did not start"
-        time.sleep(0.05)
-    return open(path).read().split()
 
 
 def stop(process):
@@ -85,9 +75,7 @@ def check_wide(browser, work):
         const b = c.getBoundingClientRect();
         return [Math.round(b.x + b.width / 2), Math.round(b.y + b.height / 2) - 8];
     })()""")
-    shot = base64.b64decode(browser.call("Page.captureScreenshot", format="png")["data"])
-    open(os.path.join(work, "live-game.png"), "wb").write(shot)
-    _, _, pixel = rgb_pixels(shot)
+    _, _, pixel = rgb_pixels(browser.screenshot(os.path.join(work, "live-game.png")))
     assert near(pixel(*box), LEFT_ROBOT, 30), f"robot 2 not drawn at {box}: {pixel(*box)}"
     return header
 
@@ -102,8 +90,7 @@ def check_phone(browser, work, robots):
             robots.every(b => b.x >= 0 && b.right <= {PHONE[0]} && b.y >= 0 && b.bottom <= {PHONE[1]});
     }})()""")
     assert inside, "the field does not fit the phone's screen"
-    shot = base64.b64decode(browser.call("Page.captureScreenshot", format="png")["data"])
-    open(os.path.join(work, "live-game-phone.png"), "wb").write(shot)
+    browser.screenshot(os.path.join(work, "live-game-phone.png"))
 
 
 def check_record(record, game_stats, work):
@@ -127,8 +114,8 @@ def main():
         print("the real simulation server (rcssserver3d) is missing: scripts/install-deps.sh installs it")
         # CI always installs it: there a missing server is a failure, not a skip.
         return 1 if os.environ.get("CI") == "true" else 77
-    if not shutil.which(chromium):
-        print(f"{chromium} is missing (scripts/install-deps.sh --test installs it)")
+    if missing(chromium):
+        print(missing(chromium))
         return 77
     started = time.time()
     work = tempfile.mkdtemp(prefix="orvo-live-game-")
@@ -137,22 +124,15 @@ def main():
     try:
         game = subprocess.Popen([staged_game, "--paced", *teams, "--ready-file", os.path.join(work, "ready"),
                                  "--log", os.path.join(work, "server.log")])
-        monitor_port = int(wait_for_file(os.path.join(work, "ready"), "the staged game", game)[2])
+        monitor_port = int(wait_for_file(os.path.join(work, "ready"), "the staged game", game, 60)[2])
         record = subprocess.Popen([recorder, "--monitor", f"127.0.0.1:{monitor_port}",
                                    "--out", os.path.join(work, "game.txt")], stdout=subprocess.DEVNULL)
         page = subprocess.Popen([viewer, "--monitor", f"127.0.0.1:{monitor_port}", "--drawing-port", "0",
                                  "--http-port", "0", "--ports-file", os.path.join(work, "ports")],
                                 stdout=subprocess.PIPE, text=True)
-        udp_port, http_port = map(int, wait_for_file(os.path.join(work, "ports"), "the viewer", page))
+        udp_port, http_port = map(int, wait_for_file(os.path.join(work, "ports"), "the viewer", page, 60))
         threading.Thread(target=believe, args=(udp_port, halt), daemon=True).start()
-        browser = DevTools([chromium, "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic",
-                            "--no-first-run", "--disable-background-networking",
-                            "--disable-component-update", "--disable-sync", "--hide-scrollbars",
-                            "--user-data-dir=" + os.path.join(work, "profile"),
-                            "--remote-debugging-pipe", "about:blank"])
-        target = next(t for t in browser.call("Target.getTargets")["targetInfos"] if t["type"] == "page")
-        browser.session = browser.call("Target.attachToTarget", targetId=target["targetId"],
-                                       flatten=True)["sessionId"]
+        browser = DevTools(chromium, os.path.join(work, "profile"), "--hide-scrollbars")
         open_page(browser, http_port, WIDE, robots)
         time.sleep(1.5)  # a second of pictures for the rate in the status line
         header = check_wide(browser, work)
