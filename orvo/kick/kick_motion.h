@@ -78,6 +78,8 @@ private:
         double carry = 0; ///< share of the hips' reach the kicking sole moves with
     };
     KickPose pose(const Key& key) const;
+    /// The legs' angles `share` of the way through the swing, into `angles`.
+    bool swing_angles(const body::BodyModel& model, double share, robot::JointValues& angles) const;
 
     KickParams params_;
     walk::WalkParams stand_;
@@ -85,6 +87,7 @@ private:
     walk::Side kicking_;
     double reach_;
     std::array<Key, key_count> keys_;
+    Key contact_; ///< the swing's pose where the foot meets the ball
     std::array<double, key_count - 1> times_;
 };
 

@@ -79,7 +79,18 @@ struct ORVO_API KickParams {
     double swing_x = 0;     ///< kicking sole ahead of its stand place at the end of the swing
     double swing_z = 0;     ///< and above the ground
     double swing_pitch = 0; ///< toes down during the swing (ankle, degrees)
-    double lunge = 0;       ///< hips forward over the support foot at the end of the swing
+    /// Share of the swing's time at which the foot passes a pose of its own
+    /// where it meets the ball (0: none, the swing goes straight in the
+    /// joints from drawn back to swung through and rises all along): the
+    /// kicking sole `contact_x` ahead of its stand place, `contact_z` above
+    /// the ground, toes down `contact_pitch` (ankle, degrees). Met low, below
+    /// its middle, by the foot's upper front edge, the ball is lifted off the
+    /// ground and flies some of its way rather than rolling all of it.
+    double contact_share = 0;
+    double contact_x = 0;
+    double contact_z = 0;
+    double contact_pitch = 0;
+    double lunge = 0; ///< hips forward over the support foot at the end of the swing
     /// The support hip turns the torso through the swing, degrees: negative
     /// pitches it back, which carries the kicking leg forward under it and
     /// adds that hip's speed to the foot's.

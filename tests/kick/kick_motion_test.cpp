@@ -28,6 +28,10 @@ struct Feet {
     Eigen::Vector3d left, right, left_toes;
 };
 
+double mix(double from, double to, double share) {
+    return from + (to - from) * share;
+}
+
 Feet feet(const orvo::body::BodyModel& model, const orvo::robot::JointValues& angles) {
     using orvo::body::Leg;
     const auto left =
@@ -113,6 +117,27 @@ TEST(KickMotion, SwingsTheKickingFootFromBehindToAheadOfItsPlace) {
                     t < retracted + kick.lower_time ? -20 : 0, 1e-9)
             << t;
     }
+}
+
+TEST(KickMotion, PassesThroughItsPoseAtTheBall) {
+    const auto model = orvo::body::BodyModel::for_type(0);
+    auto set = load("kick", 0);
+    // Upright over a support foot that stays where it stood.
+    for (const char* still : {"lean", "swing_lean", "lunge"}) {
+        set.set(still, 0);
+    }
+    set.set("contact_share", 0.4);
+    set.set("contact_x", 0.05);
+    set.set("contact_z", 0.01);
+    const KickMotion low(orvo::kick::KickParams::from(set),
+                         orvo::walk::WalkParams::from(load("walk", 0)), model.hip_width(),
+                         Side::left);
+    // At that share of the swing the sole is as low and as far ahead as the pose puts it.
+    orvo::robot::JointValues met{};
+    low.angles(model, mix(low.swing_begins(), low.swing_ends(), 0.4), met);
+    const Feet meeting = feet(model, met);
+    EXPECT_NEAR(meeting.left.z() - meeting.right.z(), 0.01, 1e-3);
+    EXPECT_NEAR(meeting.left.y() - meeting.right.y(), 0.05, 1e-3);
 }
 
 TEST(KickMotion, ReachingCarriesTheSwingTowardTheBall) {

@@ -40,6 +40,14 @@ KickMotion::KickMotion(const KickParams& params, const walk::WalkParams& stand, 
         {0, 0, 0, 0, 0, 0, 0, 0, 0},              // back in the stand
     }};
     times_ = {p.shift_time, p.lift_time, swing_time, p.retract_time, p.lower_time, p.unshift_time};
+    // Where the foot meets the ball, moved as the drawn-back foot is toward a
+    // ball lying further; the hips' lunge and the arms as far as the swing
+    // has come by then. The hip's twist waits until after it: turned some of
+    // its way there, it drew the foot inward across the ball, which then
+    // went off 30 to 60 degrees.
+    const double c = p.contact_share;
+    contact_ = {closer + p.contact_x, p.contact_z, p.out_y, 1, p.contact_pitch,
+                c * p.lunge,          c,           0,       1};
 }
 
 double KickMotion::duration() const {
@@ -107,13 +115,8 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
     if (seconds <= begins || seconds >= swing_ends()) {
         return pose_legs(model, at(seconds), kicking_, angles);
     }
-    robot::JointValues through = angles;
-    const bool reached = pose_legs(model, pose(keys_[3]), kicking_, through) &&
-                         pose_legs(model, pose(keys_[2]), kicking_, angles);
     const double share = (seconds - begins) / times_[2];
-    for (std::size_t i = 0; i < robot::joint_count; ++i) {
-        angles[i] = mix(angles[i], through[i], share);
-    }
+    const bool reached = swing_angles(model, share, angles);
     // The support hip turns the torso through the swing. Pitched back, the
     // torso carries the kicking leg, hung below it, forward: the foot then
     // gains that hip's speed on top of its own hip's and knee's, each held
@@ -125,6 +128,33 @@ bool KickMotion::angles(const body::BodyModel& model, double seconds,
         left ? robot::Joint::right_knee_pitch : robot::Joint::left_knee_pitch;
     angles[robot::index(support_hip)] += params_.swing_lean * share;
     angles[robot::index(support_knee)] += params_.swing_knee * share;
+    return reached;
+}
+
+bool KickMotion::swing_angles(const body::BodyModel& model, double share,
+                              robot::JointValues& angles) const {
+    robot::JointValues through = angles;
+    bool reached = pose_legs(model, pose(keys_[3]), kicking_, through) &&
+                   pose_legs(model, pose(keys_[2]), kicking_, angles);
+    // Through a pose of its own at the ball, the swing is two straight
+    // ways in the joints' angles, and the foot passes as low and as tilted
+    // as that pose says where it meets the ball: on the straight way from
+    // drawn back to swung through it rises all along.
+    const double c = params_.contact_share;
+    if (c > 0 && c < 1) {
+        robot::JointValues meet = angles;
+        reached = pose_legs(model, pose(contact_), kicking_, meet) && reached;
+        if (share < c) {
+            through = meet;
+            share /= c;
+        } else {
+            angles = meet;
+            share = (share - c) / (1 - c);
+        }
+    }
+    for (std::size_t i = 0; i < robot::joint_count; ++i) {
+        angles[i] = mix(angles[i], through[i], share);
+    }
     return reached;
 }
 

@@ -54,6 +54,10 @@ void read_motion(const params::ParamSet& set, KickParams& params) {
     ORVO_KICK_PARAM(swing_x);
     ORVO_KICK_PARAM(swing_z);
     ORVO_KICK_PARAM(swing_pitch);
+    ORVO_KICK_PARAM(contact_share);
+    ORVO_KICK_PARAM(contact_x);
+    ORVO_KICK_PARAM(contact_z);
+    ORVO_KICK_PARAM(contact_pitch);
     ORVO_KICK_PARAM(lunge);
     ORVO_KICK_PARAM(swing_lean);
     ORVO_KICK_PARAM(swing_knee);
