@@ -184,8 +184,9 @@ def blend(colour, opacity=0.35):
 
 def main():
     viewer, chromium = sys.argv[1], sys.argv[2]
-    if missing(chromium):
-        print(missing(chromium))
+    reason = missing(chromium)
+    if reason:
+        print(reason)
         return 77
     started = time.time()
     work = tempfile.mkdtemp(prefix="orvo-browser-")

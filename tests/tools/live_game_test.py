@@ -114,8 +114,9 @@ def main():
         print("the real simulation server (rcssserver3d) is missing: scripts/install-deps.sh installs it")
         # CI always installs it: there a missing server is a failure, not a skip.
         return 1 if os.environ.get("CI") == "true" else 77
-    if missing(chromium):
-        print(missing(chromium))
+    reason = missing(chromium)
+    if reason:
+        print(reason)
         return 77
     started = time.time()
     work = tempfile.mkdtemp(prefix="orvo-live-game-")
