@@ -22,6 +22,7 @@ const Drill drills[] = {
     {"localize", orvo::drill::localize_usage, orvo::drill::run_localize},
     {"kick", orvo::drill::kick_usage, orvo::drill::run_kick},
     {"getup", orvo::drill::getup_usage, orvo::drill::run_getup},
+    {"roll", orvo::drill::roll_usage, orvo::drill::run_roll},
 };
 
 void print_usage() {
