@@ -37,7 +37,12 @@ bool group_runs(pid_t group, const std::string& name) {
     return found;
 }
 
-TEST(DrillStop, ASignalStopsTheDrillAndItsServer) {
+// SIGTERM as a tuner's timeout sends it; SIGPIPE as a reader that closed
+// the drill's output (`orvo_drill ... | head`) raises it.
+class DrillStop : public testing::TestWithParam<int> {};
+
+TEST_P(DrillStop, ASignalStopsTheDrillAndItsServer) {
+    const int signal = GetParam();
     if (!orvo::sim::SimServer::installed()) {
         GTEST_SKIP() << "no simulation server installed";
     }
@@ -59,7 +64,7 @@ TEST(DrillStop, ASignalStopsTheDrillAndItsServer) {
     }
     ASSERT_TRUE(group_runs(drill, "rcssserver")) << "the drill never started its server";
     std::this_thread::sleep_for(std::chrono::seconds(1));
-    ::kill(drill, SIGTERM);
+    ::kill(drill, signal);
     int status = 0;
     for (int i = 0; i < 200 && ::waitpid(drill, &status, WNOHANG) == 0; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -67,14 +72,16 @@ TEST(DrillStop, ASignalStopsTheDrillAndItsServer) {
     if (::waitpid(drill, &status, WNOHANG) == 0) {
         ::killpg(drill, SIGKILL);
         ::waitpid(drill, &status, 0);
-        FAIL() << "the drill did not end within 10 s of SIGTERM";
+        FAIL() << "the drill did not end within 10 s of signal " << signal;
     }
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 128 + SIGTERM);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 128 + signal);
     const bool left = ::killpg(drill, 0) == 0;
     if (left) {
         ::killpg(drill, SIGKILL);
     }
     EXPECT_FALSE(left) << "a process of the drill's group outlived it";
 }
+
+INSTANTIATE_TEST_SUITE_P(Signals, DrillStop, testing::Values(SIGTERM, SIGPIPE));
 
 } // namespace

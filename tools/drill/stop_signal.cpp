@@ -19,7 +19,9 @@ Stopped::Stopped(int signal)
     : std::runtime_error("stopped by signal " + std::to_string(signal)), signal_(signal) {}
 
 void catch_stop_signals() {
-    for (int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    // SIGPIPE too: a drill piped into `head` that closed its end would else
+    // die there and then, its server left racing on with nobody connected.
+    for (int signal : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) {
         std::signal(signal, note_stop);
     }
 }

@@ -18,7 +18,7 @@ private:
     int signal_;
 };
 
-/// Turns SIGTERM, SIGINT and SIGHUP into Stopped at the next check.
+/// Turns SIGTERM, SIGINT, SIGHUP and SIGPIPE into Stopped at the next check.
 void catch_stop_signals();
 /// Throws Stopped when one of those signals has arrived.
 void check_stop();
