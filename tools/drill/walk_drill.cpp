@@ -77,6 +77,17 @@ void trace(const Trial& trial, const walk::Walker& walker) {
         pitch = std::atan2(-m[6], m[10]) * 180 / 3.14159265358979;
         roll = std::atan2(-m[2], m[10]) * 180 / 3.14159265358979;
     }
+    // Each foot's place on the field, x and height: a support foot that
+    // moves on the ground is slipping.
+    double feet[4] = {};
+    if (const monitor::RobotTruth* truth = trial.truth()) {
+        for (int i = 0; i < 2; ++i) {
+            if (const monitor::Pose* foot = truth->part(i == 0 ? "lfoot" : "rfoot")) {
+                feet[2 * i] = foot->m[12];
+                feet[2 * i + 1] = foot->m[14];
+            }
+        }
+    }
     const auto& acc = trial.perception().accelerometer;
     const double acc_pitch = std::atan2(-acc.y, acc.z) * 180 / 3.14159265358979;
     const double acc_roll = std::atan2(-acc.x, acc.z) * 180 / 3.14159265358979;
@@ -85,7 +96,7 @@ void trace(const Trial& trial, const walk::Walker& walker) {
                  "roll %.1f g %.0f %.0f "
                  "%s phase %.2f "
                  "v %.2f %.2f %.0f "
-                 "odo %.2f %.2f %.0f err %.1f%s\n",
+                 "odo %.2f %.2f %.0f err %.1f%s feet %.3f %.3f %.3f %.3f\n",
                  trial.game_time(), pose.x, pose.y, pose.heading, trial.height(), trial.tilt(),
                  pitch, roll, acc_pitch, acc_roll, walker.tilt().pitch, walker.tilt().roll,
                  walker.rates().x(), walker.rates().y(),
@@ -94,7 +105,8 @@ void trace(const Trial& trial, const walk::Walker& walker) {
                                                       : "right",
                  gait.phase(), walker.velocity().forward, walker.velocity().sideways,
                  walker.velocity().turn, walker.odometry().x, walker.odometry().y,
-                 walker.odometry().heading, error, walker.reachable() ? "" : " unreachable");
+                 walker.odometry().heading, error, walker.reachable() ? "" : " unreachable",
+                 feet[0], feet[1], feet[2], feet[3]);
 }
 
 double median(std::vector<double> values) {
