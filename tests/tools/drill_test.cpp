@@ -1,12 +1,15 @@
-// A drill stopped by a signal (a tuner's timeout, Ctrl-C) stops the server it
-// started: none of its process group outlives it.
+// orvo_drill as a program: a drill stopped by a signal (a tuner's timeout,
+// Ctrl-C) stops the server it started, and the ball drill measures a ball
+// the trainer set off.
 #include "sim_server.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <dirent.h>
 #include <fstream>
 #include <spawn.h>
@@ -80,6 +83,40 @@ TEST_P(DrillStop, ASignalStopsTheDrillAndItsServer) {
         ::killpg(drill, SIGKILL);
     }
     EXPECT_FALSE(left) << "a process of the drill's group outlived it";
+}
+
+// The first JSON line a drill printed, run with `arguments`.
+nlohmann::json first_run(const std::string& arguments) {
+    const std::string command = std::string(DRILL) + " " + arguments + " 2>/dev/null";
+    FILE* output = ::popen(command.c_str(), "r");
+    std::string text;
+    char buffer[4096];
+    while (output != nullptr && std::fgets(buffer, sizeof buffer, output) != nullptr) {
+        text += buffer;
+    }
+    if (output != nullptr) {
+        ::pclose(output);
+    }
+    return text.empty() ? nlohmann::json() : nlohmann::json::parse(text.substr(0, text.find('\n')));
+}
+
+// A ball lifted as a kick lifts it flies, comes down and rolls on further
+// than the same speed along the ground, which slides before it rolls.
+TEST(RollDrill, ALiftedBallFliesLandsAndGoesFurther) {
+    if (!orvo::sim::SimServer::installed()) {
+        GTEST_SKIP() << "no simulation server installed";
+    }
+    const nlohmann::json flat = first_run("roll --launch 5.2 0");
+    const nlohmann::json lifted = first_run("roll --launch 5.2 1.3");
+    ASSERT_TRUE(flat.is_object() && lifted.is_object());
+    EXPECT_NEAR(flat["highest_m"].get<double>(), 0, 0.01);
+    EXPECT_LT(flat["first_landing_m"].get<double>(), 0) << "a ball that never rose never landed";
+    // 1.3 m/s up rises 8.6 cm: a little less with the drag.
+    EXPECT_NEAR(lifted["highest_m"].get<double>(), 0.085, 0.015);
+    EXPECT_GT(lifted["first_landing_m"].get<double>(), 0.5);
+    EXPECT_GT(lifted["distance_m"].get<double>(), lifted["first_landing_m"].get<double>());
+    EXPECT_GT(lifted["distance_m"].get<double>(), flat["distance_m"].get<double>() + 0.5);
+    EXPECT_EQ(lifted["falls"], 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, DrillStop, testing::Values(SIGTERM, SIGPIPE));
