@@ -21,7 +21,7 @@ constexpr double rest_check_seconds = 0.2;
 constexpr double rest_metres = 0.005;
 /// The robot stands well away, only to drive the server's clock.
 constexpr double robot_x = -5;
-constexpr double settle_cycles = 25;
+constexpr int settle_cycles = 25;
 /// A lifted ball starts this far off the ground: set off touching it, the
 /// ground's friction takes a quarter of its speed in the first step, which no
 /// kicked ball loses.
