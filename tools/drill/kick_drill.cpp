@@ -25,7 +25,6 @@ const char* const kick_usage =
 namespace {
 
 constexpr double radians_per_degree = 0.017453292519943295;
-constexpr double ball_radius = 0.042;
 constexpr double robot_height = 0.4; ///< where the trainer puts a torso not seen yet
 constexpr double height_margin = 0.005;
 constexpr double behind = 1; ///< robot behind the ball, metres
@@ -61,16 +60,7 @@ void trace(const Trial& trial, const kick::Kicker& kicker) {
     const kick::Pose2 ball = kicker.ball().value_or(kick::Pose2{});
     const kick::Pose2 stand = kicker.stand().value_or(kick::Pose2{});
     const kick::Pose2 robot = kicker.robot();
-    double feet[6] = {};
-    if (const auto* seen = trial.monitor_truth_robot()) {
-        for (int i = 0; i < 2; ++i) {
-            if (const monitor::Pose* foot = seen->part(i == 0 ? "lfoot" : "rfoot")) {
-                for (int k = 0; k < 3; ++k) {
-                    feet[3 * i + k] = foot->m[12 + k];
-                }
-            }
-        }
-    }
+    const std::array<double, 6> feet = feet_on_field(trial);
     using robot::Joint;
     const auto& seen_joints = trial.perception().joints;
     const bool left = kicker.kicking() == walk::Side::left;

@@ -16,7 +16,6 @@ const char* const roll_usage =
 
 namespace {
 
-constexpr double ball_radius = 0.042;
 constexpr double rest_check_seconds = 0.2;
 constexpr double rest_metres = 0.005;
 /// The robot stands well away, only to drive the server's clock.

@@ -130,4 +130,18 @@ FieldPose relative_to(const FieldPose& origin, const FieldPose& pose) {
             -std::sin(heading) * dx + std::cos(heading) * dy, pose.heading - origin.heading};
 }
 
+std::array<double, 6> feet_on_field(const Trial& trial) {
+    std::array<double, 6> feet{};
+    if (const monitor::RobotTruth* seen = trial.truth()) {
+        for (int i = 0; i < 2; ++i) {
+            if (const monitor::Pose* foot = seen->part(i == 0 ? "lfoot" : "rfoot")) {
+                for (int k = 0; k < 3; ++k) {
+                    feet[3 * i + k] = foot->m[12 + k];
+                }
+            }
+        }
+    }
+    return feet;
+}
+
 } // namespace orvo::drill

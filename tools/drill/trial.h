@@ -10,6 +10,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,10 +59,6 @@ public:
     double game_time() const;
     /// Everything the monitor shows now.
     const monitor::GroundTruth& monitor_truth() const { return monitor_->truth(); }
-    /// The robot as the monitor shows it now, or null.
-    const monitor::RobotTruth* monitor_truth_robot() const {
-        return monitor_->robot(monitor::Side::left, number_);
-    }
     /// The monitor connection, for the trainer's commands.
     monitor::MonitorClient& monitor() { return *monitor_; }
     /// The robot's number on the field.
@@ -93,6 +90,13 @@ private:
     double height_ = 0;
     double tilt_ = 0;
 };
+
+/// The ball's radius on this server, metres: where its centre lies at rest.
+constexpr double ball_radius = 0.042;
+
+/// Each foot's place on the field by the monitor, metres: left x, y, z, then
+/// right x, y, z; zeros for a foot not seen yet.
+std::array<double, 6> feet_on_field(const Trial& trial);
 
 /// The server's command setting the speeds (rad/s) of the joints in `joints`.
 std::string joint_command(const robot::JointSet& joints, const robot::JointValues& speeds);

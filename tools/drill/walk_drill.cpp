@@ -79,15 +79,7 @@ void trace(const Trial& trial, const walk::Walker& walker) {
     }
     // Each foot's place on the field, x and height: a support foot that
     // moves on the ground is slipping.
-    double feet[4] = {};
-    if (const monitor::RobotTruth* truth = trial.truth()) {
-        for (int i = 0; i < 2; ++i) {
-            if (const monitor::Pose* foot = truth->part(i == 0 ? "lfoot" : "rfoot")) {
-                feet[2 * i] = foot->m[12];
-                feet[2 * i + 1] = foot->m[14];
-            }
-        }
-    }
+    const std::array<double, 6> feet = feet_on_field(trial);
     const auto& acc = trial.perception().accelerometer;
     const double acc_pitch = std::atan2(-acc.y, acc.z) * 180 / 3.14159265358979;
     const double acc_roll = std::atan2(-acc.x, acc.z) * 180 / 3.14159265358979;
@@ -106,7 +98,7 @@ void trace(const Trial& trial, const walk::Walker& walker) {
                  gait.phase(), walker.velocity().forward, walker.velocity().sideways,
                  walker.velocity().turn, walker.odometry().x, walker.odometry().y,
                  walker.odometry().heading, error, walker.reachable() ? "" : " unreachable",
-                 feet[0], feet[1], feet[2], feet[3]);
+                 feet[0], feet[2], feet[3], feet[5]);
 }
 
 double median(std::vector<double> values) {
