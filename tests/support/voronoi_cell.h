@@ -10,6 +10,9 @@
 // Boost.Geometry otherwise rescales coordinates to an integer grid, which
 // costs it more precision than the single-precision polygon has.
 #define BOOST_GEOMETRY_NO_ROBUSTNESS
+// Debian's Boost.Geometry reaches one of Boost's own deprecated headers
+// through Boost.Math; the notice it prints is about Boost, not about us.
+#define BOOST_ALLOW_DEPRECATED_HEADERS
 #include <boost/geometry.hpp>
 #include <boost/geometry/geometries/point_xy.hpp>
 #include <boost/geometry/geometries/polygon.hpp>
