@@ -1,6 +1,6 @@
 // orvo_drill as a program: a drill stopped by a signal (a tuner's timeout,
-// Ctrl-C) stops the server it started, and the ball drill measures a ball
-// the trainer set off.
+// Ctrl-C) stops the server it started, the ball drill measures a ball the
+// trainer set off, and the plan drill reads the walk's joint rates.
 #include "sim_server.h"
 
 #include <gtest/gtest.h>
@@ -117,6 +117,27 @@ TEST(RollDrill, ALiftedBallFliesLandsAndGoesFurther) {
     EXPECT_GT(lifted["distance_m"].get<double>(), lifted["first_landing_m"].get<double>());
     EXPECT_GT(lifted["distance_m"].get<double>(), flat["distance_m"].get<double>() + 0.5);
     EXPECT_EQ(lifted["falls"], 0);
+}
+
+// The walk's plan, without a server: a straight walk asks the same of both
+// legs, a faster one more of the pitch joints that swing the leg, and the
+// sideways joints barely move.
+TEST(PlanDrill, FasterStraightStepsAskMoreOfTheSwingingJoints) {
+    const nlohmann::json slow = first_run("plan --type 0 --velocity 0.2 0 0");
+    const nlohmann::json fast = first_run("plan --type 0 --velocity 0.5 0 0");
+    ASSERT_TRUE(slow.is_object() && fast.is_object());
+    const auto peak = [](const nlohmann::json& plan, const char* joint) {
+        return plan["joints"][joint]["peak_rad_s"].get<double>();
+    };
+    for (const char* joint : {"hip_pitch", "knee_pitch", "ankle_pitch", "hip_roll"}) {
+        const std::string left = std::string("left_") + joint;
+        EXPECT_NEAR(peak(fast, left.c_str()), peak(fast, ("right_" + std::string(joint)).c_str()),
+                    1e-6)
+            << joint;
+    }
+    EXPECT_GT(peak(fast, "left_hip_pitch"), peak(slow, "left_hip_pitch") * 1.5);
+    EXPECT_LT(peak(fast, "left_hip_roll"), 1);
+    EXPECT_DOUBLE_EQ(fast["joints"]["left_hip_pitch"]["limit_rad_s"].get<double>(), 6.1395);
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, DrillStop, testing::Values(SIGTERM, SIGPIPE));

@@ -23,6 +23,7 @@ const Drill drills[] = {
     {"kick", orvo::drill::kick_usage, orvo::drill::run_kick},
     {"getup", orvo::drill::getup_usage, orvo::drill::run_getup},
     {"roll", orvo::drill::roll_usage, orvo::drill::run_roll},
+    {"plan", orvo::drill::plan_usage, orvo::drill::run_plan},
 };
 
 void print_usage() {
