@@ -4,6 +4,7 @@
 #include <orvo/walk/gait.h>
 #include <orvo/walk/leg_targets.h>
 #include <orvo/walk/walk_params.h>
+#include <orvo/walk/walker.h>
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,7 @@ namespace orvo::drill {
 const char* const plan_usage =
     "  plan --velocity VX VY TURN\n"
     "       no server: the fastest each leg joint turns in the walk's plan over steady\n"
-    "       steps at that velocity (capped as the walk caps it), against its speed limit;\n"
+    "       steps at that velocity (limited as the walk limits it), against its speed limit;\n"
     "       a joint asked past it lags and the feet land short of where the plan puts them\n";
 
 namespace {
@@ -24,7 +25,6 @@ constexpr int settle_steps = 4;
 constexpr int measured_steps = 4;
 /// Far finer than the server's cycle, so that the peaks are the plan's own.
 constexpr double sample_seconds = 0.001;
-constexpr double radians_per_degree = 0.017453292519943295;
 
 robot::JointValues planned_angles(const body::BodyModel& model, const walk::Gait& gait,
                                   const walk::WalkParams& now) {
@@ -50,10 +50,12 @@ robot::JointValues peak_rates(const body::BodyModel& model, const walk::WalkPara
         while (!ended) {
             ended = gait.advance(sample_seconds);
             const robot::JointValues angles = planned_angles(model, gait, now);
-            for (std::size_t i = 0; i < robot::joint_count && step >= settle_steps; ++i) {
-                const double rate =
-                    std::fabs(angles[i] - before[i]) * radians_per_degree / sample_seconds;
-                peaks[i] = std::max(peaks[i], rate);
+            if (step >= settle_steps) {
+                for (std::size_t i = 0; i < robot::joint_count; ++i) {
+                    const double rate = std::fabs(angles[i] - before[i]) /
+                                        robot::degrees_per_radian / sample_seconds;
+                    peaks[i] = std::max(peaks[i], rate);
+                }
             }
             before = angles;
         }
@@ -81,10 +83,10 @@ int run_plan(Arguments& arguments) {
     const walk::WalkParams params = walk::WalkParams::from(walk::ParamSet::load(
         options.params.empty() ? walk::params_path("walk", options.type) : options.params));
     const body::BodyModel model = body::BodyModel::for_type(options.type);
-    // Capped as the walk caps what it is asked.
-    velocity.forward = std::clamp(velocity.forward, -params.max_backward, params.max_forward);
-    velocity.sideways = std::clamp(velocity.sideways, -params.max_sideways, params.max_sideways);
-    velocity.turn = std::clamp(velocity.turn, -params.max_turn, params.max_turn);
+    // Limited as the walk limits what it is asked.
+    walk::Walker walker(model, params);
+    walker.set_velocity(velocity.forward, velocity.sideways, velocity.turn);
+    velocity = walker.target();
     const walk::WalkParams now = params.at_speed(velocity.forward);
     const robot::JointValues peaks = peak_rates(model, now, velocity);
     nlohmann::json joints = nlohmann::json::object();
