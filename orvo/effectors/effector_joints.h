@@ -24,7 +24,8 @@ public:
     std::string get_name() const override;
 
     /// Sends "(EFFECTOR SPEED)" for every joint in `joints`, in the order of
-    /// the joint table; speeds in rad/s, clamped to the speed limit. Reports
+    /// the joint table; speeds in rad/s, clamped to the fastest the joint
+    /// turns on any robot type (the server clamps to the robot's own). Reports
     /// the command to the effector injector, which needs a current action.
     /// An empty set sends and reports nothing.
     void operator()(const robot::JointValues& speeds, const robot::JointSet& joints);

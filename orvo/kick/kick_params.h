@@ -113,6 +113,9 @@ struct ORVO_API KickParams {
     double arm_swing = 0;    ///< shoulder pitch: kicking side back, the other forward
     double joint_p = 0;
     double joint_d = 0;
+    /// The fastest (deg/s) the kick turns any joint, within its motor's
+    /// own limit (type 2's ankle pitch turns faster than the others).
+    double joint_speed = 0;
     double rest_time = 0; ///< standing after the kick before it counts as done
 
     /// Takes every field from `set`; throws ParamError naming a missing entry.

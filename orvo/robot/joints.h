@@ -9,6 +9,7 @@
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string_view>
 
@@ -47,9 +48,14 @@ enum class Joint : std::uint8_t {
 constexpr std::size_t joint_count = 24;
 /// Robot types are 0 to 4; only type 4 has toes.
 constexpr int robot_types = 5;
-/// The fastest any joint turns, whatever it is told: 6.14 rad/s.
+/// The fastest most joints turn, whatever they are told: 6.14 rad/s. Robot
+/// type 2's ankles differ (speed_limit_rad).
 constexpr double max_joint_speed_rad = 6.14;
 constexpr double max_joint_speed_deg = 351.77;
+/// Robot type 2's ankle motors, as the server's robot type table builds them:
+/// pitch faster than every other joint, roll slower.
+constexpr double type2_ankle_pitch_speed_rad = 8.80667;
+constexpr double type2_ankle_roll_speed_rad = 3.47234;
 /// The server applies a joint's speed for one cycle of this length.
 using protocol::cycle_seconds;
 using protocol::degrees_per_radian;
@@ -102,6 +108,17 @@ inline JointSet joints_of(int type) {
     }
     return joints;
 }
+
+/// The fastest the server turns `joint` on a robot of `type` (0 to 4), rad/s.
+ORVO_API double speed_limit_rad(int type, Joint joint);
+/// Every joint's speed limit for a robot of `type`, deg/s, indexed by Joint,
+/// none beyond `most`: a motion tuned with every joint at the common limit
+/// may ask no more of type 2's faster ankles.
+ORVO_API JointValues speed_limits_deg(int type,
+                                      double most = std::numeric_limits<double>::infinity());
+/// The fastest `joint` turns on any robot type, rad/s: what a command that
+/// does not know the robot's type may ask for.
+ORVO_API double fastest_speed_rad(Joint joint);
 
 /// Lookups by the three names; nothing for a name no joint carries.
 ORVO_API std::optional<Joint> joint_by_perceptor(std::string_view perceptor);

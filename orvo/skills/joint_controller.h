@@ -15,7 +15,8 @@ namespace orvo::skills {
 /// lets a joint follow a moving target without lagging behind it; the
 /// derivative acts on the readings rather than on the error, so a target
 /// that jumps does not kick. Targets are clamped to the joint's range (a
-/// clamped target does not move), speeds to the server's speed limit.
+/// clamped target does not move), speeds to each joint's speed limit, which
+/// differs by robot type (type 2's ankles); type 0's unless told.
 ///
 /// The defaults settle a 230-degree swing within 2 degrees in about 40 cycles
 /// and stay stable when the server applies a speed up to three cycles late;
@@ -30,8 +31,12 @@ public:
 
     JointController() = default;
     explicit JointController(const Gains& gains) : gains_(gains) {}
+    /// `limits`: each joint's speed limit, deg/s (robot::speed_limits_deg).
+    JointController(const Gains& gains, const robot::JointValues& limits)
+        : gains_(gains), limits_(limits) {}
 
     const Gains& gains() const { return gains_; }
+    const robot::JointValues& limits() const { return limits_; }
 
     /// One cycle for the joints in `joints`: reads `targets` and `rates` (deg,
     /// deg/s) and `angles` (deg, read this cycle), writes `speeds` (rad/s).
@@ -45,6 +50,7 @@ public:
 
 private:
     Gains gains_;
+    robot::JointValues limits_ = robot::speed_limits_deg(0);
     robot::JointValues previous_{};
     robot::JointSet read_before_;
 };

@@ -96,6 +96,10 @@ struct ORVO_API WalkParams {
     double joint_p = 0;
     double joint_d = 0;
     double lookahead = 0; ///< the joints aim this far (s) ahead of the gait, for their lag
+    /// The fastest (deg/s) the walk turns any joint, within its motor's own
+    /// limit: a gait found with every joint at the common limit stumbles when
+    /// one joint (type 2's ankle pitch) is let turn faster.
+    double joint_speed = 0;
     // What the walk believes it moved per commanded metre or degree.
     double odometry_forward = 0;
     double odometry_sideways = 0;

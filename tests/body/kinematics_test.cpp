@@ -44,6 +44,12 @@ TEST(BodyModel, EveryTypeHasTheServersDimensionsSpeedsAndMass) {
         EXPECT_DOUBLE_EQ(body.max_speed(Joint::left_ankle_pitch), f.ankle_pitch_speed);
         EXPECT_DOUBLE_EQ(body.max_speed(Joint::right_ankle_roll), f.ankle_roll_speed);
         EXPECT_EQ(body.has(Joint::left_toe), f.toes);
+        // The joint controllers take their limits from the joint table: it
+        // must say what the model says.
+        for (const auto& joint : body.joints()) {
+            EXPECT_NEAR(orvo::robot::speed_limit_rad(f.type, joint.joint), joint.max_speed, 1e-3)
+                << orvo::robot::info(joint.joint).name;
+        }
         for (const Leg leg : {Leg::left, Leg::right}) {
             const Eigen::Isometry3d sole = foot_pose(body, leg, {});
             const double x = leg == Leg::left ? -f.hip_width : f.hip_width;
@@ -57,6 +63,7 @@ TEST(BodyModel, EveryTypeHasTheServersDimensionsSpeedsAndMass) {
 TEST(BodyModel, RefusesUnknownTypesAndBadFiles) {
     EXPECT_THROW(BodyModel::for_type(5), std::invalid_argument);
     EXPECT_THROW(BodyModel::for_type(-1), std::invalid_argument);
+    EXPECT_THROW(orvo::robot::speed_limit_rad(5, Joint::neck_yaw), std::invalid_argument);
     EXPECT_THROW(BodyModel::load("/nonexistent/type0.json"), std::runtime_error);
     EXPECT_THROW(BodyModel::parse(R"({"type": 0, "joints": [{"joint": "tail"}]})", "t"),
                  std::runtime_error);

@@ -23,7 +23,7 @@ ParamSet set_of(const std::string& entries) {
 
 std::string entry(const std::string& name, double value) {
     return "\"" + name + "\": {\"value\": " + std::to_string(value) +
-           ", \"min\": -200, \"max\": 200}";
+           ", \"min\": -1000, \"max\": 1000}";
 }
 
 struct MirrorCase {

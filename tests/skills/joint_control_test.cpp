@@ -23,15 +23,17 @@ using orvo::skills::Motion;
 using orvo::skills::MotionPlayer;
 
 /// The joints as the server moves them: each cycle a joint turns by its speed
-/// command (clamped to the speed limit) for 20 ms and stops at its range. With
-/// a latency the server applies a command that many cycles late.
+/// command (clamped to the speed limit of its robot type) for 20 ms and stops
+/// at its range. With a latency the server applies a command that many cycles
+/// late.
 struct ServerJoints {
-    explicit ServerJoints(int latency) : pending(latency, JointValues{}) {}
+    explicit ServerJoints(int latency, int type = 0)
+        : pending(latency, JointValues{}), type(type) {}
     void apply(const JointValues& speeds) {
         pending.push_back(speeds);
         for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
-            const double speed = std::clamp(pending.front()[i], -orvo::robot::max_joint_speed_rad,
-                                            orvo::robot::max_joint_speed_rad);
+            const double limit = orvo::robot::speed_limit_rad(type, static_cast<Joint>(i));
+            const double speed = std::clamp(pending.front()[i], -limit, limit);
             angles[i] = orvo::robot::clamp_to_range(
                 static_cast<Joint>(i),
                 angles[i] + speed * orvo::robot::degrees_per_radian * orvo::robot::cycle_seconds);
@@ -40,6 +42,7 @@ struct ServerJoints {
     }
     JointValues angles{};
     std::deque<JointValues> pending;
+    int type;
 };
 
 /// Angles `share` of the way from each joint's lower to its upper limit.
@@ -70,18 +73,18 @@ TEST(JointController, ReachesEveryTargetWithinTheRangesAndTheSpeedLimit) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         const JointSet joints = orvo::robot::joints_of(c.type);
-        ServerJoints server(c.latency);
+        ServerJoints server(c.latency, c.type);
         server.angles = across_ranges(c.start);
         const JointValues targets = across_ranges(c.target);
         const JointValues still{};
-        JointController controller;
+        JointController controller({}, orvo::robot::speed_limits_deg(c.type));
         JointValues speeds{};
-        double fastest = 0;
+        JointValues fastest{};
         int cycle = 0;
         for (; cycle < bound + 25; ++cycle) {
             controller.step(targets, still, server.angles, joints, speeds);
             for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
-                fastest = std::max(fastest, std::fabs(speeds[i]));
+                fastest[i] = std::max(fastest[i], std::fabs(speeds[i]));
                 const double error =
                     std::fabs(orvo::robot::clamp_to_range(static_cast<Joint>(i), targets[i]) -
                               server.angles[i]);
@@ -91,7 +94,16 @@ TEST(JointController, ReachesEveryTargetWithinTheRangesAndTheSpeedLimit) {
             }
             server.apply(speeds);
         }
-        EXPECT_LE(fastest, orvo::robot::max_joint_speed_rad);
+        // Each joint as fast as its own motor and no faster: type 2's ankles
+        // pitch faster and roll slower than every other joint.
+        for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
+            const double limit = orvo::robot::speed_limit_rad(c.type, static_cast<Joint>(i));
+            EXPECT_LE(fastest[i], limit + 1e-9) << orvo::robot::joint_table()[i].name;
+        }
+        if (c.type == 2) {
+            EXPECT_GT(fastest[orvo::robot::index(Joint::left_ankle_pitch)], 8.5);
+            EXPECT_LT(fastest[orvo::robot::index(Joint::right_ankle_roll)], 3.5);
+        }
         // At a range's end the joint stops: nothing keeps pushing against it.
         for (std::size_t i = 0; i < orvo::robot::joint_count; ++i) {
             EXPECT_LT(std::fabs(speeds[i]), joints.test(i) ? 0.05 : 1e-300)

@@ -200,17 +200,21 @@ TEST_F(StandinServer, JointsTurnWithinTheirSpeedLimitAndRangeForTheRobotsType) {
     const struct {
         int type;
         std::size_t joints;
-    } robots[] = {{4, 24}, {0, 22}};
+        double ankle_pitch, ankle_roll; ///< degrees turned in a cycle at full speed
+    } robots[] = {{4, 24, 7.04, 7.04}, {0, 22, 7.04, 7.04}, {2, 22, 10.09, 3.98}};
     for (const auto& robot : robots) {
         SCOPED_TRACE("type " + std::to_string(robot.type));
         auto client = arrive(robot.type);
-        // Toes exist on type 4 only; every speed is limited to 6.14 rad/s.
-        client->send_message("(lle7 100)(he1 -1)(rae2 -100)(syn)");
+        // Toes exist on type 4 only; every speed is limited to 6.14 rad/s but
+        // type 2's ankles: pitch 8.81, roll 3.47.
+        client->send_message("(lle7 100)(he1 -1)(rae2 -100)(lle5 100)(lle6 100)(syn)");
         std::string state = client->receive();
         EXPECT_EQ(count_of(state, "(HJ (n "), robot.joints) << state;
         EXPECT_EQ(count_of(state, "(HJ (n llj7)"), robot.type == 4 ? 1u : 0u);
         EXPECT_NEAR(number_after(state, "(n hj1) (ax "), -1.15, 0.01);
         EXPECT_NEAR(number_after(state, "(n raj2) (ax "), -7.04, 0.01);
+        EXPECT_NEAR(number_after(state, "(n llj5) (ax "), robot.ankle_pitch, 0.01);
+        EXPECT_NEAR(number_after(state, "(n llj6) (ax "), robot.ankle_roll, 0.01);
         for (int cycle = 0; cycle < 30; ++cycle) {
             client->send_message("(syn)");
             state = client->receive();

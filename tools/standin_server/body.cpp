@@ -22,8 +22,8 @@ void Body::advance(double seconds) {
     using orvo::protocol::degrees_per_radian;
     for (std::size_t i = 0; i < joints(); ++i) {
         // The motor keeps the commanded speed, but never beyond its limit.
-        const double speed =
-            std::clamp(speeds[i], -robot::max_joint_speed_rad, robot::max_joint_speed_rad);
+        const double limit = robot::speed_limit_rad(robot_type, static_cast<robot::Joint>(i));
+        const double speed = std::clamp(speeds[i], -limit, limit);
         const auto& joint = robot::joint_table()[i];
         angles[i] = std::clamp(angles[i] + speed * seconds * degrees_per_radian, joint.min_deg,
                                joint.max_deg);

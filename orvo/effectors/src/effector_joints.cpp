@@ -26,13 +26,15 @@ void Effector_Joints::operator()(const robot::JointValues& speeds, const robot::
     if (joints.none()) {
         return;
     }
-    constexpr double limit = robot::max_joint_speed_rad;
     robot::JointValues sent{};
     command.clear();
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         if (!joints.test(i)) {
             continue;
         }
+        // The skills that know the robot's type keep within its own limits;
+        // this only stops a speed no robot's joint could take.
+        const double limit = robot::fastest_speed_rad(static_cast<robot::Joint>(i));
         double speed = std::clamp(speeds[i], -limit, limit);
         // Below the last digit written a speed is 0: never "-0.000".
         speed = std::fabs(speed) < 0.0005 ? 0.0 : speed;

@@ -35,7 +35,8 @@ fall::Posture lying_side(const perception::Perception& perception) {
 }
 
 GetUp::GetUp(int type, const params::ParamSet& params)
-    : params_(params), own_joints_(robot::joints_of(type)), controller_(gains_of(params)),
+    : params_(params), own_joints_(robot::joints_of(type)),
+      controller_(gains_of(params), robot::speed_limits_deg(type, params["joint_speed"])),
       senses_(body::BodyModel::for_type(type), senses_params(type)) {
     // Every motion and setting is read once here, so that a broken file fails
     // at once rather than on the field.

@@ -71,6 +71,7 @@ void read_motion(const params::ParamSet& set, KickParams& params) {
     ORVO_KICK_PARAM(arm_swing);
     ORVO_KICK_PARAM(joint_p);
     ORVO_KICK_PARAM(joint_d);
+    ORVO_KICK_PARAM(joint_speed);
     ORVO_KICK_PARAM(rest_time);
 }
 

@@ -37,7 +37,8 @@ const char* phase_name(KickPhase phase) {
 
 Kicker::Kicker(const body::BodyModel& model, const walk::WalkParams& walk, const KickParams& kick)
     : model_(model), params_(kick), walker_(model, walk),
-      controller_(skills::JointController::Gains{kick.joint_p, kick.joint_d}) {}
+      controller_(skills::JointController::Gains{kick.joint_p, kick.joint_d},
+                  robot::speed_limits_deg(model.type(), kick.joint_speed)) {}
 
 Pose2 Kicker::robot() const {
     const walk::Odometry& odometry = walker_.odometry();

@@ -1,5 +1,9 @@
 #include <orvo/robot/joints.h>
 
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+
 namespace orvo::robot {
 
 namespace {
@@ -46,6 +50,44 @@ template <typename Field> std::optional<Joint> find(std::string_view wanted, Fie
 
 const std::array<JointInfo, joint_count>& joint_table() {
     return table;
+}
+
+double speed_limit_rad(int type, Joint joint) {
+    if (type < 0 || type >= robot_types) {
+        throw std::invalid_argument("robot type " + std::to_string(type) + " is not 0 to 4");
+    }
+    if (type == 2) {
+        switch (joint) {
+        case Joint::left_ankle_pitch:
+        case Joint::right_ankle_pitch:
+            return type2_ankle_pitch_speed_rad;
+        case Joint::left_ankle_roll:
+        case Joint::right_ankle_roll:
+            return type2_ankle_roll_speed_rad;
+        default:
+            break;
+        }
+    }
+    return max_joint_speed_rad;
+}
+
+JointValues speed_limits_deg(int type, double most) {
+    JointValues limits{};
+    for (const JointInfo& joint : table) {
+        const double rad = speed_limit_rad(type, joint.joint);
+        // The common limit keeps its exact figure in degrees.
+        limits[index(joint.joint)] = std::min(
+            most, rad == max_joint_speed_rad ? max_joint_speed_deg : rad * degrees_per_radian);
+    }
+    return limits;
+}
+
+double fastest_speed_rad(Joint joint) {
+    double fastest = 0;
+    for (int type = 0; type < robot_types; ++type) {
+        fastest = std::max(fastest, speed_limit_rad(type, joint));
+    }
+    return fastest;
 }
 
 std::optional<Joint> joint_by_perceptor(std::string_view perceptor) {

@@ -7,7 +7,6 @@ namespace orvo::skills {
 void JointController::step(const robot::JointValues& targets, const robot::JointValues& rates,
                            const robot::JointValues& angles, const robot::JointSet& joints,
                            robot::JointValues& speeds) {
-    constexpr double limit = robot::max_joint_speed_deg;
     const auto& table = robot::joint_table();
     for (std::size_t i = 0; i < robot::joint_count; ++i) {
         if (!joints.test(i)) {
@@ -20,7 +19,7 @@ void JointController::step(const robot::JointValues& targets, const robot::Joint
             read_before_.test(i) ? (angles[i] - previous_[i]) / robot::cycle_seconds : rate;
         const double speed =
             rate + gains_.proportional * (target - angles[i]) + gains_.derivative * (rate - turn);
-        speeds[i] = std::clamp(speed, -limit, limit) / robot::degrees_per_radian;
+        speeds[i] = std::clamp(speed, -limits_[i], limits_[i]) / robot::degrees_per_radian;
         previous_[i] = angles[i];
     }
     read_before_ = joints;

@@ -45,6 +45,7 @@ std::string Skill_Joints::get_name() const {
 
 void Skill_Joints::set_robot_type(int type) {
     robot_joints = robot::joints_of(type);
+    controller_ = JointController(controller_.gains(), robot::speed_limits_deg(type));
 }
 
 void Skill_Joints::operator()(const robot::JointValues& angles, double now) {

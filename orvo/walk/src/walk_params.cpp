@@ -79,6 +79,7 @@ WalkParams WalkParams::from(const ParamSet& set) {
     ORVO_WALK_PARAM(joint_p);
     ORVO_WALK_PARAM(joint_d);
     ORVO_WALK_PARAM(lookahead);
+    ORVO_WALK_PARAM(joint_speed);
     ORVO_WALK_PARAM(odometry_forward);
     ORVO_WALK_PARAM(odometry_sideways);
     ORVO_WALK_PARAM(odometry_turn);

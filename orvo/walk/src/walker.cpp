@@ -39,7 +39,8 @@ double heading_rate(const Eigen::Vector3d& rates, const Attitude& tilt) {
 
 Walker::Walker(const body::BodyModel& model, const WalkParams& params)
     : model_(model), params_(params), now_(params.at_speed(0)), gait_(now_, model.hip_width()),
-      controller_(skills::JointController::Gains{params.joint_p, params.joint_d}),
+      controller_(skills::JointController::Gains{params.joint_p, params.joint_d},
+                  robot::speed_limits_deg(model.type(), params.joint_speed)),
       joints_(robot::joints_of(model.type())) {}
 
 Velocity Walker::limited(const Velocity& wanted) const {
