@@ -83,11 +83,18 @@ JointValues speed_limits_deg(int type, double most) {
 }
 
 double fastest_speed_rad(Joint joint) {
-    double fastest = 0;
-    for (int type = 0; type < robot_types; ++type) {
-        fastest = std::max(fastest, speed_limit_rad(type, joint));
-    }
-    return fastest;
+    // Asked for every joint of every command: worked out once.
+    static const JointValues fastest = [] {
+        JointValues values{};
+        for (const JointInfo& info : table) {
+            for (int type = 0; type < robot_types; ++type) {
+                values[index(info.joint)] =
+                    std::max(values[index(info.joint)], speed_limit_rad(type, info.joint));
+            }
+        }
+        return values;
+    }();
+    return fastest[index(joint)];
 }
 
 std::optional<Joint> joint_by_perceptor(std::string_view perceptor) {
