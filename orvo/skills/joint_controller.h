@@ -36,7 +36,6 @@ public:
         : gains_(gains), limits_(limits) {}
 
     const Gains& gains() const { return gains_; }
-    const robot::JointValues& limits() const { return limits_; }
 
     /// One cycle for the joints in `joints`: reads `targets` and `rates` (deg,
     /// deg/s) and `angles` (deg, read this cycle), writes `speeds` (rad/s).
