@@ -91,12 +91,14 @@ int run_plan(Arguments& arguments) {
     const robot::JointValues peaks = peak_rates(model, now, velocity);
     nlohmann::json joints = nlohmann::json::object();
     nlohmann::json over = nlohmann::json::array();
+    // The walk's own cap where it is below the motor's (type 2's ankle pitch).
+    const robot::JointValues limits = robot::speed_limits_deg(options.type, params.joint_speed);
     for (const robot::JointInfo& joint : robot::joint_table()) {
         const double peak = peaks[robot::index(joint.joint)];
         if (peak <= 0) {
             continue;
         }
-        const double limit = model.max_speed(joint.joint);
+        const double limit = limits[robot::index(joint.joint)] / robot::degrees_per_radian;
         joints[std::string(joint.name)] = {{"peak_rad_s", peak}, {"limit_rad_s", limit}};
         if (peak > limit) {
             over.push_back(joint.name);
