@@ -160,6 +160,7 @@ done
 
 pids=()
 server_pid=
+accepting_pid=
 viewer_pid=
 cleanup() {
   local pid
@@ -207,7 +208,7 @@ wait_for() {
 # accepted could still land in the same cycle as the next one).
 wait_connected() {
   local accepted=()
-  [ -z "$server_pid" ] || accepted=(--server-pid "$server_pid")
+  [ -z "$accepting_pid" ] || accepted=(--server-pid "$accepting_pid")
   "$tools/orvo_await_link" --pid "$1" --port "$tcp_port" "${accepted[@]}" \
     --timeout $((20 * slowdown))
 }
@@ -225,7 +226,11 @@ if [ "$real" = yes ]; then
   simserver_pid=$!
   pids+=("$simserver_pid")
   await_ports "$run/server-ready" "$run/simserver.txt" "the real simulation server"
-  read -r _ tcp_port monitor_port < "$run/server-ready"
+  # Its process id, not the wrapper's: each robot waits until the server has
+  # accepted the one before. Two connections taken in one cycle (one cycle
+  # of a server busy loading a robot type's body can outlast the gap) hang
+  # it for good: every robot then waits for perceptions that never come.
+  read -r accepting_pid tcp_port monitor_port < "$run/server-ready"
   external=127.0.0.1:$tcp_port
   # The monitor's record of the whole game: the score, falls and fouls come
   # from it, never from what the agents believe.
@@ -266,6 +271,7 @@ else
     --slowdown "$slowdown" --start-timeout $((20 * slowdown)) --svg "$run/field.svg" \
     --log "$run/server-log.txt" > "$run/server-summary.txt" 2> "$run/server-messages.txt" &
   server_pid=$!
+  accepting_pid=$server_pid
   pids+=("$server_pid")
   await_ports "$run/ports" "$run/server-messages.txt" "the stand-in server"
   server_host=127.0.0.1
@@ -370,6 +376,11 @@ if [ -n "$simserver_pid" ]; then
   if ! kill -0 "$simserver_pid" 2> /dev/null; then
     echo "demo.sh: the real simulation server ended during the game:" >&2
     tail -n 5 "$run/simserver.txt" >&2
+    failed=1
+  fi
+  if grep -q "connecting/disconnecting in same frame" "$run/server-log.txt" 2> /dev/null; then
+    echo "demo.sh: the real simulation server hung: robots connected in one of its cycles" \
+      "(its log: $run/server-log.txt)" >&2
     failed=1
   fi
   kill -TERM "$simserver_pid" 2> /dev/null || true
