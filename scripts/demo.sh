@@ -203,7 +203,7 @@ wait_for() {
 }
 
 # wait_connected PID: waits (bounded) until agent PID has connected to the
-# server and, with the stand-in, until the server has accepted the connection
+# server and, with a server the demo started, until it has accepted the connection
 # (a server takes connections in at its cycles, so a connection waiting to be
 # accepted could still land in the same cycle as the next one).
 wait_connected() {
