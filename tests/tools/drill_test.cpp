@@ -144,6 +144,27 @@ TEST(PlanDrill, FasterStraightStepsAskMoreOfTheSwingingJoints) {
     EXPECT_NEAR(type2["joints"]["left_ankle_pitch"]["limit_rad_s"].get<double>(), 6.1395, 1e-4);
 }
 
+// The kick's bound: the knee alone moves the foot at its limit (rad/s, not
+// deg/s) times a lever no longer than the shank (0.1 m) and the ankle's
+// reach to the toes (0.11 m), every joint added can only raise the bound,
+// and a bad joint name is an error.
+TEST(ReachDrill, BoundsGrowWithTheJointsAndKeepTheirUnits) {
+    const std::string base = "reach --type 0 --samples 50000 --joints ";
+    const nlohmann::json knee = first_run(base + "right_knee_pitch");
+    const nlohmann::json leg = first_run(base + "right_hip_pitch,right_knee_pitch");
+    const nlohmann::json torso =
+        first_run(base + "left_hip_pitch,right_hip_pitch,right_knee_pitch");
+    ASSERT_TRUE(knee.is_object() && leg.is_object() && torso.is_object());
+    const double knee_speed = knee["foot_speed_mps"].get<double>();
+    EXPECT_GT(knee_speed, 6.1395 * 0.05);
+    EXPECT_LT(knee_speed, 6.1395 * 0.22);
+    EXPECT_NEAR(knee["shares_mps"]["right_knee_pitch"].get<double>(), knee_speed, 1e-9);
+    EXPECT_NEAR(knee["ball_speed_mps"].get<double>(), 1.8 * knee_speed, 1e-9);
+    EXPECT_GT(leg["foot_speed_mps"].get<double>(), knee_speed);
+    EXPECT_GT(torso["foot_speed_mps"].get<double>(), leg["foot_speed_mps"].get<double>());
+    EXPECT_TRUE(first_run(base + "right_elbow").is_null());
+}
+
 INSTANTIATE_TEST_SUITE_P(Signals, DrillStop, testing::Values(SIGTERM, SIGPIPE));
 
 } // namespace

@@ -23,6 +23,8 @@ extern const char* const roll_usage;
 int run_roll(Arguments& arguments);
 extern const char* const plan_usage;
 int run_plan(Arguments& arguments);
+extern const char* const reach_usage;
+int run_reach(Arguments& arguments);
 /// One run of the get-up drill with the type's installed parameters: its JSON.
 nlohmann::json getup_once(const DrillOptions& options, const std::string& from);
 

@@ -24,6 +24,7 @@ const Drill drills[] = {
     {"getup", orvo::drill::getup_usage, orvo::drill::run_getup},
     {"roll", orvo::drill::roll_usage, orvo::drill::run_roll},
     {"plan", orvo::drill::plan_usage, orvo::drill::run_plan},
+    {"reach", orvo::drill::reach_usage, orvo::drill::run_reach},
 };
 
 void print_usage() {
