@@ -16,7 +16,7 @@ const char* const reach_usage =
     "       no server: the fastest the right foot can meet a ball, the left foot flat on\n"
     "       the ground, with every joint named (default: every leg joint) at its speed\n"
     "       limit at once, along a line DEG up (default 20); by the body model's\n"
-    "       kinematics over N random poses (default 200000, --seed): a bound no kick passes\n";
+    "       kinematics over N random poses (default 200000, --seed); mass and grip left out\n";
 
 namespace {
 
@@ -128,8 +128,9 @@ struct Reach {
 /// The foot's speed along `line` with each joint in `joints` at its limit,
 /// turning whichever way helps: the sum of what each adds alone.
 Reach reach_at(const body::BodyModel& model, const robot::JointValues& angles,
-               const std::vector<robot::Joint>& joints, const Eigen::Vector3d& line) {
-    Reach reach{0, angles, {}, right_in_left(model, angles) * contact_on_foot};
+               const Eigen::Vector3d& contact, const std::vector<robot::Joint>& joints,
+               const Eigen::Vector3d& line) {
+    Reach reach{0, angles, {}, contact};
     const robot::JointValues limits = robot::speed_limits_deg(model.type());
     for (robot::Joint joint : joints) {
         robot::JointValues nudged = angles;
@@ -159,7 +160,7 @@ Reach best_reach(const body::BodyModel& model, const ReachOptions& reach, unsign
             !foot_clear(foot) || torso_tilt_deg(model, angles) > most_torso_tilt_deg) {
             continue;
         }
-        Reach now = reach_at(model, angles, reach.joints, line);
+        Reach now = reach_at(model, angles, contact, reach.joints, line);
         if (now.speed > best.speed) {
             best = std::move(now);
         }
