@@ -1,6 +1,7 @@
 #include "drills.h"
 
 #include <orvo/body/kinematics.h>
+#include <orvo/protocol/constants.h>
 
 #include <algorithm>
 #include <array>
@@ -21,7 +22,6 @@ const char* const reach_usage =
 namespace {
 
 constexpr double pi = 3.14159265358979323846;
-constexpr double ball_radius = 0.042;
 /// The ball's contacts bounce at 0.8 (the server's ball scene): off a foot far
 /// heavier than itself it leaves at up to 1.8 times the foot's speed.
 constexpr double ball_bounce = 0.8;
@@ -75,18 +75,18 @@ std::vector<robot::Joint> parse_joints(const std::string& list) {
     return joints;
 }
 
-/// The right foot in the frame of the left sole, which stays on the ground.
-Eigen::Isometry3d right_in_left(const body::BodyModel& model, const robot::JointValues& angles) {
-    const Eigen::Isometry3d left =
-        body::foot_pose(model, body::Leg::left, body::leg_angles(angles, body::Leg::left));
-    const Eigen::Isometry3d right =
-        body::foot_pose(model, body::Leg::right, body::leg_angles(angles, body::Leg::right));
-    return left.inverse() * right;
+Eigen::Isometry3d sole(const body::BodyModel& model, const robot::JointValues& angles,
+                       body::Leg leg) {
+    return body::foot_pose(model, leg, body::leg_angles(angles, leg));
 }
 
-double torso_tilt_deg(const body::BodyModel& model, const robot::JointValues& angles) {
-    const Eigen::Isometry3d left =
-        body::foot_pose(model, body::Leg::left, body::leg_angles(angles, body::Leg::left));
+/// The right foot in the frame of the left sole, which stays on the ground.
+Eigen::Isometry3d right_in_left(const body::BodyModel& model, const robot::JointValues& angles) {
+    return sole(model, angles, body::Leg::left).inverse() * sole(model, angles, body::Leg::right);
+}
+
+/// How far the torso leans from upright, standing on the left sole `left`.
+double torso_tilt_deg(const Eigen::Isometry3d& left) {
     const Eigen::Vector3d up = left.inverse().linear() * Eigen::Vector3d::UnitZ();
     return std::acos(std::clamp(up.z(), -1.0, 1.0)) * 180 / pi;
 }
@@ -102,8 +102,16 @@ bool foot_clear(const Eigen::Isometry3d& foot) {
     return true;
 }
 
-robot::JointValues random_pose(const std::vector<robot::Joint>& legs, std::mt19937& random) {
-    robot::JointValues angles{};
+/// Where each sampled joint's angle is drawn from: its range, the rolls'
+/// narrowed; the hip yaw-pitch stays at 0.
+struct Sampled {
+    std::size_t index;
+    double low;
+    double high;
+};
+
+std::vector<Sampled> sampled_ranges(const std::vector<robot::Joint>& legs) {
+    std::vector<Sampled> ranges;
     for (robot::Joint joint : legs) {
         const robot::JointInfo& info = robot::joint_table()[robot::index(joint)];
         const std::string_view name = info.name;
@@ -111,9 +119,17 @@ robot::JointValues random_pose(const std::vector<robot::Joint>& legs, std::mt199
             continue;
         }
         const bool roll = name.find("roll") != std::string_view::npos;
-        const double low = roll ? std::max(info.min_deg, -most_roll_deg) : info.min_deg;
-        const double high = roll ? std::min(info.max_deg, most_roll_deg) : info.max_deg;
-        angles[robot::index(joint)] = std::uniform_real_distribution<double>(low, high)(random);
+        ranges.push_back({robot::index(joint),
+                          roll ? std::max(info.min_deg, -most_roll_deg) : info.min_deg,
+                          roll ? std::min(info.max_deg, most_roll_deg) : info.max_deg});
+    }
+    return ranges;
+}
+
+robot::JointValues random_pose(const std::vector<Sampled>& ranges, std::mt19937& random) {
+    robot::JointValues angles{};
+    for (const Sampled& range : ranges) {
+        angles[range.index] = std::uniform_real_distribution<double>(range.low, range.high)(random);
     }
     return angles;
 }
@@ -148,16 +164,17 @@ Reach best_reach(const body::BodyModel& model, const ReachOptions& reach, unsign
     const double angle = reach.angle_deg * pi / 180;
     const Eigen::Vector3d line(0, std::cos(angle), std::sin(angle));
     // Below the ball's centre by as much as the line rises through it.
-    const double height = ball_radius * (1 - std::sin(angle));
-    const std::vector<robot::Joint> legs = leg_joints();
+    const double height = protocol::ball_radius * (1 - std::sin(angle));
+    const std::vector<Sampled> ranges = sampled_ranges(leg_joints());
     std::mt19937 random(seed);
     Reach best;
     for (int i = 0; i < reach.samples; ++i) {
-        const robot::JointValues angles = random_pose(legs, random);
-        const Eigen::Isometry3d foot = right_in_left(model, angles);
+        const robot::JointValues angles = random_pose(ranges, random);
+        const Eigen::Isometry3d left = sole(model, angles, body::Leg::left);
+        const Eigen::Isometry3d foot = left.inverse() * sole(model, angles, body::Leg::right);
         const Eigen::Vector3d contact = foot * contact_on_foot;
         if (std::fabs(contact.z() - height) > height_margin || contact.y() < least_ahead ||
-            !foot_clear(foot) || torso_tilt_deg(model, angles) > most_torso_tilt_deg) {
+            !foot_clear(foot) || torso_tilt_deg(left) > most_torso_tilt_deg) {
             continue;
         }
         Reach now = reach_at(model, angles, contact, reach.joints, line);
@@ -208,7 +225,8 @@ int run_reach(Arguments& arguments) {
                                 {"foot_speed_mps", foot},
                                 {"ball_speed_mps", foot * (1 + ball_bounce)},
                                 {"contact", {best.contact.x(), best.contact.y(), best.contact.z()}},
-                                {"torso_tilt_deg", torso_tilt_deg(model, best.angles)},
+                                {"torso_tilt_deg",
+                                 torso_tilt_deg(sole(model, best.angles, body::Leg::left))},
                                 {"angles", angles},
                                 {"shares_mps", shares}}
               << '\n';
